@@ -1,0 +1,27 @@
+#include <bsutils/cpalloc.h>
+
+#include <cstdlib>
+
+#include "cpraise.h"
+
+namespace {
+constexpr const char* kModule = "cpalloc";
+}
+
+void* cpMalloc(std::uint32_t size) {
+  void* block = std::malloc(size);
+  if (block == nullptr) {
+    CP_RAISE(CP_MEMORY_ALLOC_FAILURE, kModule, "cpMalloc", nullptr, "malloc returned NULL");
+  }
+  return block;
+}
+
+void* cpRealloc(void* p, std::uint32_t size) {
+  void* block = std::realloc(p, size);
+  if (block == nullptr) {
+    CP_RAISE(CP_MEMORY_ALLOC_FAILURE, kModule, "cpRealloc", nullptr, "realloc returned NULL");
+  }
+  return block;
+}
+
+void cpFree(void* p) { std::free(p); }

@@ -1,0 +1,49 @@
+#ifndef BSUTILS_CPDEBUGTRACE_H
+#define BSUTILS_CPDEBUGTRACE_H
+
+// The debug entry/exit guard of a public operation. With debug trace off it costs one comparison
+// of the filter. With it on, construction writes the entry record (the function and its
+// arguments), result() writes the exit record with the result, and destruction writes a plain exit
+// record for a guard that returned no result or was left by an exception.
+//
+//   CpDebugTrace trace("PWFData::getInt32Value");
+//   ...
+//   return trace.result(value);
+
+#include <zan/zanlog.h>
+
+class CpDebugTrace {
+ public:
+  template <class... Arguments>
+  explicit CpDebugTrace(const char* function, const Arguments&... arguments)
+      : function_(ZanLog::isDebugTraceActive() ? function : nullptr) {
+    if (function_ == nullptr) return;
+    if constexpr (sizeof...(Arguments) == 0) {
+      ZanLog::writeDebugEntry(function_);
+    } else {
+      ZanLog::FastDebugEntryItem entry(function_);
+      ((entry << arguments), ...) << ZanLog::FastItem::MagicInsert;
+    }
+  }
+
+  CpDebugTrace(const CpDebugTrace&) = delete;
+  CpDebugTrace& operator=(const CpDebugTrace&) = delete;
+
+  ~CpDebugTrace() {
+    if (function_ != nullptr) ZanLog::writeDebugExit(function_);
+  }
+
+  template <class Result>
+  const Result& result(const Result& value) {
+    if (function_ != nullptr) {
+      ZanLog::FastDebugExitItem(function_) << value << ZanLog::FastItem::MagicInsert;
+      function_ = nullptr;
+    }
+    return value;
+  }
+
+ private:
+  const char* function_;  // null when debug trace was off at entry, or the exit is written
+};
+
+#endif  // BSUTILS_CPDEBUGTRACE_H

@@ -1,0 +1,145 @@
+// A first tour of bsutils: typed values, byte buffers, dumps and failures.
+
+#include <bsutils/bsutils.h>
+
+#include <cstdint>
+#include <iostream>
+#include <string>
+
+namespace {
+
+const char* typeName(ELogicalType type) {
+  switch (type) {
+    case eNothing:
+      return "nothing";
+    case eString:
+      return "string";
+    case eInteger:
+      return "integer";
+    case eFloat:
+      return "float";
+    case eBinary:
+      return "binary";
+    case eBoolean:
+      return "boolean";
+    case eInterval:
+      return "interval";
+    case eDateTime:
+      return "date-time";
+    case eDecimal:
+      return "decimal";
+  }
+  return "unknown";
+}
+
+void show(const char* label, const PWFData& value, const std::string& readBack) {
+  std::cout << "  " << label << ": type " << typeName(value.getDataLogicalType()) << " ("
+            << value.getDataLogicalType() << "), " << value.getDataLength() << " bytes"
+            << (value.isNull() ? ", null" : "") << " -> " << readBack << '\n';
+}
+
+std::string utf8(const char16_t* units, std::int32_t length) {
+  return ZanStringBase(units, length).toUtf8();
+}
+
+void typedValues() {
+  std::cout << "Typed values, built and read back:\n";
+  const PWFData nothing;
+  show("nothing", nothing, nothing.isNothing() ? "(nothing)" : "?");
+
+  const PWFData text(
+      ZanStringBase::fromUtf8("Gr\xC3\xBC\xC3\x9F"
+                              "e"));
+  show("string", text, text.getPWFStringValue().toUtf8());
+
+  const PWFData small(std::int32_t{-42});
+  const PWFData large(std::int64_t{9007199254740993});
+  show("integer (4 bytes)", small, std::to_string(small.getInt32Value()));
+  show("integer (8 bytes)", large, std::to_string(large.getInt64Value()));
+
+  const PWFData real(2.5);
+  show("float", real, std::to_string(real.getDoubleValue()));
+
+  const unsigned char bytes[] = {0xCA, 0xFE, 0xBA, 0xBE};
+  const PWFData binary(bytes, 4, eBinary, eCopy);
+  std::int32_t binaryLength = 0;
+  const unsigned char* binaryBytes = binary.getBinaryValue(binaryLength);
+  show("binary", binary, CPUtils::binaryDump(binaryBytes, binaryLength));
+
+  const PWFData flag(true);
+  show("boolean", flag, flag.getBoolValue() ? "true" : "false");
+
+  const PWFData interval(PWFInterval{1, 6, 3LL * 86400000000LL, 0});
+  const PWFInterval i = interval.getIntervalValue();
+  show("interval", interval,
+       std::to_string(i.years) + " years " + std::to_string(i.months) + " months " +
+           std::to_string(i.microseconds / 86400000000LL) + " days");
+
+  const PWFDateTime leapDay{1, 2004, 2, 29, 13, 5, 9, 123, 3, 3600000, 0};
+  const PWFData when(leapDay);
+  show("date-time", when, CPUtils::pwfDateTimeDump(when.getDateTimeValue()));
+
+  const PWFData decimal(u"-1234.50", eDecimal);
+  show("decimal", decimal, utf8(decimal.getDecimalValue(), decimal.getDecimalLength()));
+
+  const PWFData nullInteger(eInteger);
+  show("null integer", nullInteger, "(no value)");
+
+  std::cout << "  4-byte 5 == 8-byte 5: "
+            << (PWFData(std::int32_t{5}) == PWFData(std::int64_t{5}) ? "yes" : "no") << '\n';
+  std::cout << "  12 months == 1 year: "
+            << (PWFData(PWFInterval{0, 12, 0, 0}) == PWFData(PWFInterval{1, 0, 0, 0}) ? "yes"
+                                                                                      : "no")
+            << "\n\n";
+}
+
+void buffers() {
+  std::cout << "A byte buffer filled, then read through a reader:\n";
+  ReadWriteByteBuffer buffer;
+  const unsigned char header[] = {0x00, 0x00, 0x01, 0x2C};  // 300, big-endian
+  buffer.append(header, sizeof header);
+  unsigned char* room = buffer.appendLock(5);
+  for (int i = 0; i < 5; ++i) room[i] = static_cast<unsigned char>(0xC1 + i);  // EBCDIC "ABCDE"
+  buffer.release(5);
+  std::cout << "  buffer: " << buffer.getLength() << " bytes, capacity " << buffer.capacity()
+            << '\n';
+
+  BitstreamBufferReader reader(&buffer);
+  const unsigned char* field = reader.readData(4);
+  const std::int32_t count = (field[0] << 24) | (field[1] << 16) | (field[2] << 8) | field[3];
+  std::cout << "  first field, 4 bytes big-endian: " << count << '\n';
+  const unsigned char* rest = reader.readData(5);
+  std::cout << "  second field, 5 bytes: " << CPUtils::binaryDump(rest, 5) << '\n';
+  std::cout << "  a read past the end gives " << (reader.readData(1) == nullptr ? "null" : "bytes")
+            << ", offset stays at " << reader.getCurOffset() << '\n';
+  std::cout << "  whole buffer: "
+            << CPUtils::binaryDump(static_cast<const unsigned char*>(buffer.getData(0)),
+                                   buffer.getLength())
+            << "\n\n";
+}
+
+void failure() {
+  std::cout << "A failure, caught and printed:\n";
+  try {
+    const PWFData wide(std::int64_t{5000000000});
+    std::cout << wide.getInt32Value() << '\n';
+  } catch (const ZanException& e) {
+    std::cout << "  class:          " << e.className() << '\n'
+              << "  message number: 0x" << std::hex << std::uppercase
+              << static_cast<std::uint32_t>(e.messageNumber()) << std::dec << '\n'
+              << "  trace text:     " << e.traceText() << '\n'
+              << "  inserts:       ";
+    for (const std::string& insert : e.inserts()) std::cout << " [" << insert << "]";
+    std::cout << "\n  raised in:      " << e.function() << " (" << e.sourceModule() << ")\n"
+              << "  what():         " << e.what() << '\n';
+  }
+}
+
+}  // namespace
+
+int main() {
+  typedValues();
+  buffers();
+  failure();
+  return 0;
+}

@@ -1,0 +1,20 @@
+#ifndef BSUTILS_BSUTILS_H
+#define BSUTILS_BSUTILS_H
+
+// Every public header of the library and of the services it is built on.
+
+#include <bsutils/bitstreambuffer.h>
+#include <bsutils/bitstreambufferreader.h>
+#include <bsutils/bytebuffer.h>
+#include <bsutils/cpalloc.h>
+#include <bsutils/cpassert.h>
+#include <bsutils/cputils.h>
+#include <bsutils/pwfdata.h>
+#include <zan/zanexception.h>
+#include <zan/zaninsert.h>
+#include <zan/zanlog.h>
+#include <zan/zanlogsource.h>
+#include <zan/zanstringbase.h>
+#include <zan/zanutility.h>
+
+#endif  // BSUTILS_BSUTILS_H

@@ -1,0 +1,243 @@
+// Byte buffers: the read-only view, the growable buffer with its lock, and the reading cursor.
+
+#include <bsutils/bitstreambufferreader.h>
+#include <bsutils/bytebuffer.h>
+#include <gtest/gtest.h>
+#include <zan/zanexception.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "support/expect_failure.h"
+
+namespace {
+
+std::string contents(const BitstreamBuffer& buffer) {
+  const auto* bytes = static_cast<const char*>(buffer.getData(0));
+  return bytes == nullptr ? std::string()
+                          : std::string(bytes, static_cast<std::size_t>(buffer.getLength()));
+}
+
+TEST(ReadOnlyByteBuffer, ViewsTheCallersBytesOnce) {
+  const char bytes[] = "abcdef";
+  ReadOnlyByteBuffer empty;
+  EXPECT_EQ(empty.getData(0), nullptr);
+  EXPECT_EQ(empty.getLength(), 0);
+
+  ReadOnlyByteBuffer view(bytes, 6);
+  EXPECT_FALSE(view.create("zz", 2));
+  std::int32_t available = 0;
+  EXPECT_EQ(view.getData(&available, 2), bytes + 2);
+  EXPECT_EQ(available, 4);
+  EXPECT_EQ(contents(view), "abcdef");
+
+  EXPECT_TRUE(empty.create(bytes, 3));
+  EXPECT_FALSE(empty.create(bytes, 6));
+  EXPECT_EQ(empty.getLength(), 3);
+}
+
+TEST(ReadWriteByteBuffer, AppendGrowsByDoublingFromOne) {
+  ReadWriteByteBuffer buffer;
+  EXPECT_EQ(buffer.getData(0), nullptr);
+  buffer.append("abc", 3);
+  EXPECT_EQ(buffer.capacity(), 4);
+  buffer.append("de", 2);
+  EXPECT_EQ(buffer.capacity(), 8);
+  buffer.append("x", 0);
+  buffer.append("x", -4);
+  EXPECT_EQ(contents(buffer), "abcde");
+  std::int32_t available = 0;
+  EXPECT_EQ(static_cast<const char*>(buffer.getData(&available, 1))[0], 'b');
+  EXPECT_EQ(available, 4);
+}
+
+TEST(ReadWriteByteBuffer, StartsWithACopyOfTheGivenBytes) {
+  EXPECT_EQ(contents(ReadWriteByteBuffer("hello", 5)), "hello");
+  EXPECT_EQ(ReadWriteByteBuffer(nullptr, 5).getLength(), 0);
+  EXPECT_EQ(ReadWriteByteBuffer("hello", 0).getLength(), 0);
+}
+
+TEST(ReadWriteByteBuffer, ResetKeepsTheCapacity) {
+  ReadWriteByteBuffer buffer("0123456789", 10);
+  buffer.appendLock(4);
+  buffer.reset();
+  EXPECT_EQ(buffer.getLength(), 0);
+  EXPECT_FALSE(buffer.isLocked());
+  EXPECT_EQ(buffer.capacity(), 16);
+  std::int32_t available = -1;
+  EXPECT_EQ(buffer.getData(&available, 0), nullptr);
+  EXPECT_EQ(available, 0);
+}
+
+TEST(ReadWriteByteBuffer, TruncateDropsBytesFromTheEnd) {
+  struct Case {
+    std::int32_t count;
+    const char* left;
+  };
+  const Case cases[] = {{3, "0123456"}, {100, ""}, {0, "0123456789"}, {-2, "0123456789"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.count);
+    ReadWriteByteBuffer buffer("0123456789", 10);
+    buffer.truncate(c.count);
+    EXPECT_EQ(contents(buffer), c.left);
+  }
+}
+
+TEST(ReadWriteByteBuffer, WriteOverwritesAndAppendsWithoutGaps) {
+  struct Case {
+    const char* name;
+    const char* data;
+    std::int32_t offset;
+    const char* result;
+  };
+  const Case cases[] = {
+      {"inside", "XY", 2, "01XY456789"},
+      {"up to the end", "XY", 8, "01234567XY"},
+      {"across the end", "XYZ", 8, "01234567XYZ"},
+      {"at the end", "XY", 10, "0123456789XY"},
+      {"past the end appends at the end", "XY", 20, "0123456789XY"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ReadWriteByteBuffer buffer("0123456789", 10);
+    buffer.write(c.data, static_cast<std::int32_t>(std::strlen(c.data)), c.offset);
+    EXPECT_EQ(contents(buffer), c.result);
+  }
+}
+
+TEST(ReadWriteByteBuffer, LockReservesAndReleaseCommits) {
+  ReadWriteByteBuffer buffer;
+  unsigned char* room = buffer.appendLock(10);
+  EXPECT_GE(buffer.capacity(), 16);
+  EXPECT_TRUE(buffer.isLocked());
+  std::memcpy(room, "wxyz", 4);
+  EXPECT_TRUE(buffer.release(4));
+  EXPECT_FALSE(buffer.isLocked());
+  EXPECT_EQ(contents(buffer), "wxyz");
+  EXPECT_FALSE(buffer.release(3));
+  EXPECT_EQ(buffer.getLength(), 4);
+}
+
+TEST(ReadWriteByteBuffer, ReleaseOfNothingJustUnlocks) {
+  ReadWriteByteBuffer buffer("ab", 2);
+  buffer.appendLock(8);
+  EXPECT_TRUE(buffer.release(0));
+  EXPECT_FALSE(buffer.isLocked());
+  EXPECT_EQ(contents(buffer), "ab");
+}
+
+TEST(ReadWriteByteBuffer, ReleaseMayCommitMoreThanReserved) {
+  ReadWriteByteBuffer buffer;
+  unsigned char* room = buffer.appendLock(3);  // capacity 4
+  std::memcpy(room, "abcd", 4);
+  EXPECT_TRUE(buffer.release(6));  // two bytes beyond the storage: committed as zeros
+  EXPECT_EQ(contents(buffer), std::string("abcd\0\0", 6));
+}
+
+TEST(ReadWriteByteBuffer, EveryChangeAbandonsAnOpenLock) {
+  struct Case {
+    const char* name;
+    void (*change)(ReadWriteByteBuffer&);
+    const char* result;
+  };
+  const Case cases[] = {
+      {"append", [](ReadWriteByteBuffer& b) { b.append("!", 1); }, "ab!"},
+      {"truncate", [](ReadWriteByteBuffer& b) { b.truncate(1); }, "a"},
+      {"write", [](ReadWriteByteBuffer& b) { b.write("Z", 1, 0); }, "Zb"},
+      {"reset", [](ReadWriteByteBuffer& b) { b.reset(); }, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ReadWriteByteBuffer buffer("ab", 2);
+    std::memcpy(buffer.appendLock(4), "lost", 4);
+    c.change(buffer);
+    EXPECT_FALSE(buffer.isLocked());
+    EXPECT_EQ(contents(buffer), c.result);
+  }
+}
+
+TEST(ReadWriteByteBuffer, RefusesBadArguments) {
+  ReadWriteByteBuffer buffer("ab", 2);
+  const std::int32_t internalError = static_cast<std::int32_t>(0xC000157E);
+  expectFailure<ZanConversionException>([&] { buffer.append(nullptr, 3); },
+                                        {"CP_INTERNAL_ERROR",
+                                         internalError,
+                                         "CPI Internal Error",
+                                         "bytebuffer",
+                                         "ReadWriteByteBuffer::append",
+                                         {"Null input pointer"}});
+  expectFailure<ZanConversionException>([&] { buffer.write("x", 1, -1); },
+                                        {"CP_INTERNAL_ERROR",
+                                         internalError,
+                                         "CPI Internal Error",
+                                         "bytebuffer",
+                                         "ReadWriteByteBuffer::write",
+                                         {"Invalid offset: ", "-1"}});
+  expectFailure<ZanConversionException>([&] { buffer.appendLock(INT32_MAX); },
+                                        {"CP_INTERNAL_ERROR",
+                                         internalError,
+                                         "CPI Internal Error",
+                                         "bytebuffer",
+                                         "ReadWriteByteBuffer::appendLock",
+                                         {"Invalid input length: ", "2147483647"}});
+  EXPECT_EQ(contents(buffer), "ab");
+}
+
+TEST(BitstreamBufferReader, ReadsForwardAndNeverPastTheEnd) {
+  ReadWriteByteBuffer source("0123456789", 10);
+  BitstreamBufferReader reader(&source);
+  source.append("more", 4);  // not seen: the reader took the length once
+  EXPECT_EQ(reader.getLength(), 10);
+
+  const unsigned char* first = reader.readData(4);
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(std::memcmp(first, "0123", 4), 0);
+  EXPECT_EQ(reader.getCurOffset(), 4);
+  EXPECT_EQ(reader.readData(7), nullptr);
+  EXPECT_EQ(reader.getCurOffset(), 4);
+  EXPECT_NE(reader.readData(6), nullptr);
+  EXPECT_EQ(reader.getCurOffset(), 10);
+  EXPECT_NE(reader.readData(0), nullptr);
+  EXPECT_EQ(reader.readData(1), nullptr);
+}
+
+TEST(BitstreamBufferReader, OffsetsAndAddressesStayInside) {
+  const char bytes[] = "0123456789";
+  BitstreamBufferReader reader(bytes, 10);
+  reader.setCurOffset(1000);
+  EXPECT_EQ(reader.getCurOffset(), 10);
+  reader.setCurOffset(-3);
+  EXPECT_EQ(reader.getCurOffset(), -3);
+  EXPECT_EQ(reader.readData(2), nullptr);
+  EXPECT_EQ(reader.getCurOffset(), -3);
+  reader.setCurOffset(2);
+  EXPECT_EQ(reader.readData(-1), nullptr);
+
+  std::int32_t available = -1;
+  EXPECT_EQ(reader.getData(&available, 7), bytes + 7);
+  EXPECT_EQ(available, 3);
+  EXPECT_EQ(reader.getData(10), nullptr);
+  EXPECT_EQ(reader.getData(-1), nullptr);
+
+  const BitstreamBufferReader copy(reader);
+  EXPECT_EQ(copy.getCurOffset(), 2);
+  BitstreamBufferReader assigned(nullptr, 0);
+  EXPECT_EQ(assigned.readData(0), nullptr);
+  assigned = reader;
+  EXPECT_EQ(assigned.getLength(), 10);
+}
+
+TEST(BitstreamBufferReader, NullBufferIsRefused) {
+  expectFailure<ZanConversionException>(
+      [] { BitstreamBufferReader reader(static_cast<const BitstreamBuffer*>(nullptr)); },
+      {"CP_INTERNAL_ERROR",
+       static_cast<std::int32_t>(0xC000157E),
+       "CPI Internal Error",
+       "bytebuffer",
+       "BitstreamBufferReader::BitstreamBufferReader",
+       {"Null input pointer"}});
+}
+
+}  // namespace

@@ -1,0 +1,136 @@
+// Allocation that never returns null, and assertions that log and carry on.
+
+#include <bsutils/cpalloc.h>
+#include <bsutils/cpassert.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+#include <zan/zanexception.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/capturing_sink.h"
+#include "support/expect_failure.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+// Let a refused allocation come back as null, as it does without the sanitizer, instead of
+// aborting the process.
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+#endif
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+TEST(CpAlloc, AllocatesAndReallocates) {
+  auto* block = static_cast<unsigned char*>(cpMalloc(4));
+  block[3] = 0x5A;
+  block = static_cast<unsigned char*>(cpRealloc(block, 4096));
+  EXPECT_EQ(block[3], 0x5A);
+  cpFree(block);
+}
+
+TEST(CpAlloc, ZeroBytesIsWhateverMallocGivesAndNullIsFreeable) {
+  void* block = nullptr;
+  EXPECT_NO_THROW(block = cpMalloc(0));
+  cpFree(block);
+  cpFree(nullptr);
+}
+
+// Caps the address space a little above what the process maps now, so that a large request fails
+// in malloc itself. Runs in a child process (a death-test fork) so the cap never reaches the suite.
+void capAddressSpace() {
+  long pages = 0;
+  if (FILE* statm = std::fopen("/proc/self/statm", "r")) {
+    if (std::fscanf(statm, "%ld", &pages) != 1) pages = 0;
+    std::fclose(statm);
+  }
+  const rlim_t limit =
+      static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + (64u << 20);
+  const rlimit cap{limit, limit};
+  setrlimit(RLIMIT_AS, &cap);
+}
+
+constexpr std::uint32_t kTooLarge = 3u << 30;
+
+struct AllocationFailureCase {
+  const char* name;
+  const char* function;
+  const char* traceText;
+  std::function<void()> operation;
+};
+
+TEST(CpAllocDeathTest, RefusedAllocationIsFatalAfterTracing) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const AllocationFailureCase cases[] = {
+      {"malloc", "cpMalloc", "malloc returned NULL", [] { cpMalloc(kTooLarge); }},
+      {"realloc", "cpRealloc", "realloc returned NULL",
+       [] {
+         void* block = cpMalloc(16);
+         cpRealloc(block, kTooLarge);
+       }},
+  };
+  for (const AllocationFailureCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EXIT(
+        {
+          capAddressSpace();
+          expectFailure<ZanFatalException>(c.operation, {"CP_MEMORY_ALLOC_FAILURE",
+                                                         static_cast<std::int32_t>(0xC0000806),
+                                                         c.traceText,
+                                                         "cpalloc",
+                                                         c.function,
+                                                         {}});
+          std::_Exit(::testing::Test::HasFailure() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
+  }
+}
+
+TEST(CpAllocDeathTest, RefusedAllocationWithTraceOffWritesNoRecord) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        capAddressSpace();
+        CapturingSink sink(2);
+        bool thrown = false;
+        try {
+          cpMalloc(kTooLarge);
+        } catch (const ZanFatalException&) {
+          thrown = true;
+        }
+        std::_Exit(thrown && sink.records().empty() ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+TEST(CpAssert, LogsAnErrorAndReturns) {
+  CapturingSink sink(0);
+  cpAssert("size > 0", "reader.cpp", 12);
+  ASSERT_EQ(sink.records().size(), 1u);
+  const ZanLog::Record& error = sink.records().front();
+  EXPECT_EQ(error.kind, ZanLog::Kind::error);
+  EXPECT_EQ(error.function, "cpAssert");
+  EXPECT_EQ(error.file, "cpassert");
+  EXPECT_EQ(error.messageNumber, static_cast<std::int32_t>(0xC000157D));
+  EXPECT_EQ(error.text, "CPAssertion failed");
+  EXPECT_EQ(error.logSource, ZanLog::iDefaultLogSource.toUtf8());
+  EXPECT_EQ(error.inserts, (Strings{"size > 0", "reader.cpp", "12"}));
+}
+
+TEST(CpAssert, WithTraceOnIsFramedByEntryAndExit) {
+  CapturingSink sink(3);
+  cpAssert("ok", "file.cpp", 7);
+  ASSERT_EQ(sink.records().size(), 3u);
+  EXPECT_EQ(sink.records()[0].kind, ZanLog::Kind::entry);
+  EXPECT_EQ(sink.records()[0].inserts, (Strings{"ok", "file.cpp", "7"}));
+  EXPECT_EQ(sink.records()[1].kind, ZanLog::Kind::error);
+  EXPECT_EQ(sink.records()[2].kind, ZanLog::Kind::exit);
+  EXPECT_EQ(sink.records()[2].function, "cpAssert");
+}
+
+}  // namespace
