@@ -1,0 +1,30 @@
+# Sourced by the project's commands: makes sure the Debian packages the build needs are present,
+# installing the missing ones when run as root.
+
+BSUTILS_PACKAGES=(cmake make g++ pkg-config libicu-dev libgtest-dev libbenchmark-dev)
+
+ensure_packages() {
+  local missing=() package
+  for package in "${BSUTILS_PACKAGES[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  if [ "$(id -u)" -ne 0 ]; then
+    echo "bsutils needs these Debian packages: ${missing[*]}" >&2
+    echo "run this command as root to install them, or: apt-get install ${missing[*]}" >&2
+    return 1
+  fi
+  echo "installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -q
+  apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+# Configures and builds one preset; BSUTILS_WERROR=ON turns warnings into errors.
+build_preset() {
+  local preset=$1
+  shift
+  cmake --preset "$preset" -DBSUTILS_WERROR="${BSUTILS_WERROR:-OFF}"
+  cmake --build --preset "$preset" --parallel "$(nproc)" "$@"
+}
