@@ -95,13 +95,15 @@ PWFData::PWFData(double value) : type_(eFloat) {
 }
 
 PWFData::PWFData(const PWFInterval& value) : type_(eInterval) {
-  CpDebugTrace trace("PWFData::PWFData", static_cast<std::int32_t>(eInterval));
+  CpDebugTrace trace("PWFData::PWFData");
   value_.interval = value;
+  traceLogicalType("PWFData::PWFData");
 }
 
 PWFData::PWFData(const PWFDateTime& value) : type_(eDateTime) {
-  CpDebugTrace trace("PWFData::PWFData", static_cast<std::int32_t>(eDateTime));
+  CpDebugTrace trace("PWFData::PWFData");
   value_.dateTime = value;
+  traceLogicalType("PWFData::PWFData");
 }
 
 PWFData::PWFData(const PWFData& other)
@@ -236,12 +238,17 @@ void PWFData::releaseBinary() {
   }
 }
 
-void PWFData::requireType(ELogicalType type, const char* function, const char* mismatch) const {
-  if (type_ == type) return;
+// Records are not streamed into debug trace; the value's type number stands for them.
+void PWFData::traceLogicalType(const char* function) const {
   if (ZanLog::isDebugTraceActive()) {
     ZanLog::FastDebugTraceItem(function, "LogicalType")
         << static_cast<std::int32_t>(type_) << ZanLog::FastItem::MagicInsert;
   }
+}
+
+void PWFData::requireType(ELogicalType type, const char* function, const char* mismatch) const {
+  if (type_ == type) return;
+  traceLogicalType(function);
   CP_RAISE(CP_INTERNAL_PWFDATA_INVALID_OPERATION, kModule, function, nullptr, nullptr, mismatch);
 }
 
@@ -378,12 +385,14 @@ std::int32_t PWFData::getBooleanValue() const {
 PWFInterval PWFData::getIntervalValue() const {
   CpDebugTrace trace("PWFData::getIntervalValue");
   requireType(eInterval, "PWFData::getIntervalValue", "Logical type not equal to interval");
+  traceLogicalType("PWFData::getIntervalValue");
   return value_.interval;
 }
 
 PWFDateTime PWFData::getDateTimeValue() const {
   CpDebugTrace trace("PWFData::getDateTimeValue");
   requireType(eDateTime, "PWFData::getDateTimeValue", "Logical type not equal to datetime");
+  traceLogicalType("PWFData::getDateTimeValue");
   return value_.dateTime;
 }
 

@@ -3,25 +3,18 @@
 #include <bsutils/cputils.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 
 namespace {
 
 TEST(CPUtils, BinaryDumpIsTwoLowerCaseDigitsPerByte) {
-  const unsigned char bytes[] = {0x00, 0xAB, 0x7F, 0x0F, 0xF0};
-  struct Case {
-    std::int32_t length;
-    const char* dump;
-  };
-  const Case cases[] = {{3, "0x00ab7f"}, {5, "0x00ab7f0ff0"}, {0, "0x"}, {-1, "0x"}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.length);
-    EXPECT_EQ(CPUtils::binaryDump(bytes, c.length), c.dump);
-  }
+  const unsigned char bytes[] = {0x00, 0xAB, 0x7F};
+  EXPECT_EQ(CPUtils::binaryDump(bytes, 3), "0x00ab7f");
+  EXPECT_EQ(CPUtils::binaryDump(bytes, 0), "0x");
+  EXPECT_EQ(CPUtils::binaryDump(bytes, -1), "0x");
   EXPECT_EQ(CPUtils::binaryDump(nullptr, 4), "0x");
-}
 
-TEST(CPUtils, BinaryDumpCoversEveryByteValue) {
   unsigned char all[256];
   for (int i = 0; i < 256; ++i) all[i] = static_cast<unsigned char>(i);
   const std::string dump = CPUtils::binaryDump(all, 256);

@@ -184,6 +184,7 @@ class PWFData {
   void initBinary(const void* data, std::int32_t length, EOwnership ownership);
   static Value copiedValue(const PWFData& source);
   void releaseBinary();
+  void traceLogicalType(const char* function) const;
   void requireType(ELogicalType type, const char* function, const char* mismatch) const;
   void requireNotNull(const char* function, const char* insert) const;
   bool intervalEquals(const PWFData& other) const;

@@ -15,38 +15,33 @@
 
 #include "capturing_sink.h"
 
-struct ExpectedFailure {
-  std::string symbol;  // the symbolic code the trace record names
-  std::int32_t messageNumber;
-  std::string traceText;
-  std::string module;
-  std::string function;
-  std::vector<std::string> inserts;
-};
-
+// `messageNumber` as the catalogue writes it, e.g. 0xC0001592.
 template <class Exception>
-void expectFailure(const std::function<void()>& operation, const ExpectedFailure& expected) {
+void expectFailure(const std::function<void()>& operation, const std::string& symbol,
+                   std::uint32_t messageNumber, const std::string& traceText,
+                   const std::string& module, const std::string& function,
+                   const std::vector<std::string>& inserts) {
   CapturingSink sink(3);
   try {
     operation();
-    ADD_FAILURE() << "no exception; expected " << expected.symbol;
+    ADD_FAILURE() << "no exception; expected " << symbol;
     return;
   } catch (const Exception& failure) {
     EXPECT_EQ(typeid(failure), typeid(Exception)) << failure.what();
-    EXPECT_EQ(failure.messageNumber(), expected.messageNumber) << failure.what();
-    EXPECT_EQ(failure.traceText(), expected.traceText);
-    EXPECT_EQ(failure.sourceModule(), expected.module);
-    EXPECT_EQ(failure.function(), expected.function);
-    EXPECT_EQ(failure.inserts(), expected.inserts);
+    EXPECT_EQ(static_cast<std::uint32_t>(failure.messageNumber()), messageNumber) << failure.what();
+    EXPECT_EQ(failure.traceText(), traceText);
+    EXPECT_EQ(failure.sourceModule(), module);
+    EXPECT_EQ(failure.function(), function);
+    EXPECT_EQ(failure.inserts(), inserts);
 
     const auto traces = sink.ofKind(ZanLog::Kind::trace);
     ASSERT_EQ(traces.size(), 1u) << "one \"Throwing exception\" record before the throw";
     const ZanLog::Record& record = traces.front();
     EXPECT_EQ(record.text, "Throwing exception");
-    EXPECT_EQ(record.function, expected.function);
-    std::vector<std::string> recordInserts = {expected.module, std::to_string(failure.line()),
-                                              expected.symbol, expected.traceText};
-    recordInserts.insert(recordInserts.end(), expected.inserts.begin(), expected.inserts.end());
+    EXPECT_EQ(record.function, function);
+    std::vector<std::string> recordInserts = {module, std::to_string(failure.line()), symbol,
+                                              traceText};
+    recordInserts.insert(recordInserts.end(), inserts.begin(), inserts.end());
     EXPECT_EQ(record.inserts, recordInserts);
   } catch (const ZanException& other) {
     ADD_FAILURE() << "wrong class: " << other.what();
