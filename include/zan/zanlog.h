@@ -136,34 +136,17 @@ class ZanLog {
     Record record_;
   };
 
-  class FastDebugEntryItem : public FastItem {
+  template <Kind kind>
+  class FastItemOf : public FastItem {
    public:
-    explicit FastDebugEntryItem(const char* function, const char* label = nullptr,
-                                bool enabled = true)
-        : FastItem(Kind::debugEntry, function, label, enabled) {}
+    explicit FastItemOf(const char* function, const char* label = nullptr, bool enabled = true)
+        : FastItem(kind, function, label, enabled) {}
   };
-  class FastDebugExitItem : public FastItem {
-   public:
-    explicit FastDebugExitItem(const char* function, const char* label = nullptr,
-                               bool enabled = true)
-        : FastItem(Kind::debugExit, function, label, enabled) {}
-  };
-  class FastDebugTraceItem : public FastItem {
-   public:
-    explicit FastDebugTraceItem(const char* function, const char* label = nullptr,
-                                bool enabled = true)
-        : FastItem(Kind::debugTrace, function, label, enabled) {}
-  };
-  class FastEntryItem : public FastItem {
-   public:
-    explicit FastEntryItem(const char* function, const char* label = nullptr, bool enabled = true)
-        : FastItem(Kind::entry, function, label, enabled) {}
-  };
-  class FastTraceItem : public FastItem {
-   public:
-    explicit FastTraceItem(const char* function, const char* label = nullptr, bool enabled = true)
-        : FastItem(Kind::trace, function, label, enabled) {}
-  };
+  using FastDebugEntryItem = FastItemOf<Kind::debugEntry>;
+  using FastDebugExitItem = FastItemOf<Kind::debugExit>;
+  using FastDebugTraceItem = FastItemOf<Kind::debugTrace>;
+  using FastEntryItem = FastItemOf<Kind::entry>;
+  using FastTraceItem = FastItemOf<Kind::trace>;
 };
 
 #endif  // ZAN_ZANLOG_H
