@@ -11,7 +11,7 @@ constexpr const char* kModule = "cpalloc";
 void* cpMalloc(std::uint32_t size) {
   void* block = std::malloc(size);
   if (block == nullptr) {
-    CP_RAISE(CP_MEMORY_ALLOC_FAILURE, kModule, "cpMalloc", nullptr, "malloc returned NULL");
+    CP_RAISE(CP_MEMORY_ALLOC_FAILURE, kModule, "cpMalloc", nullptr, nullptr);
   }
   return block;
 }
