@@ -6,6 +6,10 @@ ZanStringBase::ZanStringBase(const char16_t* text, std::int32_t length) {
   if (text != nullptr) text_.setTo(text, length);
 }
 
+ZanStringBase ZanStringBase::fromLiteral(const char16_t* text) {
+  return ZanStringBase(icu::UnicodeString(true, text, -1));
+}
+
 ZanStringBase ZanStringBase::fromUtf8(std::string_view utf8) {
   return ZanStringBase(icu::UnicodeString::fromUTF8(
       icu::StringPiece(utf8.data(), static_cast<std::int32_t>(utf8.size()))));
@@ -59,6 +63,16 @@ ZanStringBase& ZanStringBase::replace(std::int32_t start, std::int32_t count,
 
 ZanStringBase& ZanStringBase::truncate(std::int32_t length) {
   text_.truncate(length);
+  return *this;
+}
+
+ZanStringBase& ZanStringBase::padLeading(std::int32_t length, char16_t unit) {
+  text_.padLeading(length, unit);
+  return *this;
+}
+
+ZanStringBase& ZanStringBase::padTrailing(std::int32_t length, char16_t unit) {
+  text_.padTrailing(length, unit);
   return *this;
 }
 

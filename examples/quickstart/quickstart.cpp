@@ -1,4 +1,5 @@
-// A first tour of bsutils: typed values, byte buffers, dumps and failures.
+// A first tour of bsutils: typed values, byte buffers, code pages, text fields, dumps and
+// failures.
 
 #include <bsutils/bsutils.h>
 
@@ -118,6 +119,55 @@ void buffers() {
             << "\n\n";
 }
 
+void codePages() {
+  std::cout << "One text in a few real code pages, and back:\n";
+  const ZanStringBase text = ZanStringBase::fromUtf8(
+      "Gr\xC3\xBC\xC3\x9F"
+      "e [42]");
+  struct Page {
+    const char* name;
+    std::int32_t ccsid;
+    EEndian endian;
+  };
+  const Page pages[] = {
+      {"EBCDIC US (37)", 37, BigEndian},       {"EBCDIC Germany (273)", 273, BigEndian},
+      {"Latin-1 (819)", 819, BigEndian},       {"UTF-8 (1208)", 1208, LittleEndian},
+      {"UTF-16LE (1200)", 1200, LittleEndian}, {"UTF-16BE (1200)", 1200, BigEndian}};
+  for (const Page& page : pages) {
+    DataCnv cnv(page.ccsid, page.endian);
+    unsigned char bytes[64];
+    std::int32_t size = sizeof bytes;
+    cnv.fromUnicodeString(text, bytes, size);
+    ZanStringBase back;
+    cnv.toUnicodeString(back, bytes, size);
+    std::cout << "  " << page.name << (cnv.IsCcsidEBCDIC() ? ", EBCDIC" : "") << ": "
+              << CPUtils::binaryDump(bytes, size) << " -> \"" << back.toUtf8() << "\"\n";
+  }
+  std::cout << '\n';
+}
+
+void textFields() {
+  std::cout << "An integer field with a custom trailing sign, read and written:\n";
+  DataCnv cnv;
+  const char16_t field[] = u"   1250CR";
+  const std::int32_t value =
+      cnv.StrToInt32(field, 9, DataCnv::eTrailingSeparateSign, u"CR", u"", DataCnv::eTrimWhiteSpace,
+                     DataCnv::eRightJustified, u' ', true);
+  std::cout << "  \"" << utf8(field, 9) << "\" reads as " << value << '\n';
+
+  char16_t out[9];
+  std::int32_t outLength = 9;
+  cnv.StrFromInt32(value - 1, out, outLength, DataCnv::eTrailingSeparateSign, u"CR", u"", true,
+                   DataCnv::eRightJustified, u' ', true);
+  std::cout << "  " << value - 1 << " writes as \"" << utf8(out, outLength) << "\"\n";
+
+  // A digit pad character goes between the sign and the digits.
+  outLength = 9;
+  cnv.StrFromInt32(-42, out, outLength, DataCnv::eLeadingSeparateSign, u"-", u"+", true,
+                   DataCnv::eRightJustified, u'0', true);
+  std::cout << "  -42 in a zero-padded field: \"" << utf8(out, outLength) << "\"\n\n";
+}
+
 void failure() {
   std::cout << "A failure, caught and printed:\n";
   try {
@@ -140,6 +190,8 @@ void failure() {
 int main() {
   typedValues();
   buffers();
+  codePages();
+  textFields();
   failure();
   return 0;
 }

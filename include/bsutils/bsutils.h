@@ -8,8 +8,13 @@
 #include <bsutils/bytebuffer.h>
 #include <bsutils/cpalloc.h>
 #include <bsutils/cpassert.h>
+#include <bsutils/cpunicodeconverter.h>
 #include <bsutils/cputils.h>
+#include <bsutils/dataconv.h>
+#include <bsutils/encoding.h>
+#include <bsutils/messageinfo.h>
 #include <bsutils/pwfdata.h>
+#include <bsutils/workerinfo.h>
 #include <zan/zanexception.h>
 #include <zan/zaninsert.h>
 #include <zan/zanlog.h>

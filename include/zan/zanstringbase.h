@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class ZanStringBase {
  public:
@@ -20,6 +21,12 @@ class ZanStringBase {
   // `length` units of `text`; a negative length counts up to the first NUL unit.
   ZanStringBase(const char16_t* text, std::int32_t length);
   explicit ZanStringBase(const icu::UnicodeString& text) : text_(text) {}
+  explicit ZanStringBase(icu::UnicodeString&& text) : text_(std::move(text)) {}
+
+  // A string over static NUL-terminated text, which it reads in place and never copies until it is
+  // changed: terminatedData() is the text itself, so constants built this way may be read from
+  // any thread.
+  static ZanStringBase fromLiteral(const char16_t* text);
 
   static ZanStringBase fromUtf8(std::string_view utf8);
   std::string toUtf8() const;
@@ -43,6 +50,10 @@ class ZanStringBase {
   ZanStringBase& erase(std::int32_t start, std::int32_t count);
   ZanStringBase& replace(std::int32_t start, std::int32_t count, const ZanStringBase& text);
   ZanStringBase& truncate(std::int32_t length);
+  // Adds copies of `unit` at the start (end) until the string is `length` units long; a string
+  // already that long is left alone.
+  ZanStringBase& padLeading(std::int32_t length, char16_t unit);
+  ZanStringBase& padTrailing(std::int32_t length, char16_t unit);
   ZanStringBase& clear();
   void reserve(std::int32_t capacity);
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "capturing_sink.h"
+#include "zan_printers.h"
 
 // `messageNumber` as the catalogue writes it, e.g. 0xC0001592.
 template <class Exception>

@@ -1,0 +1,71 @@
+#include <bsutils/dataconv.h>
+#include <bsutils/messageinfo.h>
+
+#include "cpdebugtrace.h"
+
+const char16_t* MessageInfo::getProperty(const char16_t* name) const {
+  return getProperty(ZanStringBase(name));
+}
+
+const char16_t* MessageInfo::getProperty(const ZanStringBase& name) const {
+  const auto found = properties_.find(name);
+  return found == properties_.end() ? nullptr : found->second.terminatedData();
+}
+
+void MessageInfo::setProperty(const char16_t* name, const char16_t* value) {
+  setProperty(ZanStringBase(name), value);
+}
+
+void MessageInfo::setProperty(const char16_t* name, const ZanStringBase& value) {
+  setProperty(ZanStringBase(name), value);
+}
+
+void MessageInfo::setProperty(const ZanStringBase& name, const char16_t* value) {
+  if (value == nullptr) {
+    properties_.erase(name);
+  } else {
+    setProperty(name, ZanStringBase(value));
+  }
+}
+
+void MessageInfo::setProperty(const ZanStringBase& name, const ZanStringBase& value) {
+  properties_.insert_or_assign(name, value);
+}
+
+std::int64_t MessageInfo::getPropertyAsInteger(const char16_t* name) const {
+  return getPropertyAsInteger(ZanStringBase(name));
+}
+
+std::int64_t MessageInfo::getPropertyAsInteger(const ZanStringBase& name) const {
+  CpDebugTrace trace("MessageInfo::getPropertyAsInteger", name);
+  const auto found = properties_.find(name);
+  if (found == properties_.end()) return trace.result(kNoInteger);
+  // Property texts are UTF-16 already, so a converter with default settings reads them whatever
+  // the message's own code page.
+  const ZanStringBase& text = found->second;
+  const std::int64_t value =
+      DataCnv().StrToInt64(text.data(), text.length(), DataCnv::eLeadingSeparateSign,
+                           DataCnv::US_MINUS.terminatedData(), DataCnv::US_PLUS.terminatedData(),
+                           DataCnv::eTrimWhiteSpace, DataCnv::eLeftJustified, u'0', true);
+  return trace.result(value);
+}
+
+void MessageInfo::setPropertyFromInteger(const char16_t* name, std::int64_t value) {
+  setPropertyFromInteger(ZanStringBase(name), value);
+}
+
+void MessageInfo::setPropertyFromInteger(const ZanStringBase& name, std::int64_t value) {
+  CpDebugTrace trace("MessageInfo::setPropertyFromInteger", name, value);
+  if (value == kNoInteger) {
+    properties_.erase(name);
+  } else {
+    setProperty(name, DataCnv().StrFromInt64(value).getPWFStringValue());
+  }
+}
+
+void MessageInfo::clear() { properties_.clear(); }
+
+void MessageInfo::setProperties(const MessageInfo& other) {
+  CpDebugTrace trace("MessageInfo::setProperties");
+  for (const auto& [name, value] : other.properties_) properties_.insert_or_assign(name, value);
+}

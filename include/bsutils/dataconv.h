@@ -1,0 +1,306 @@
+#ifndef BSUTILS_DATACONV_H
+#define BSUTILS_DATACONV_H
+
+// DataCnv: the converter object through which parsers and writers turn wire representations into
+// typed values and back. One object is built per message (or field context) with the message's
+// CCSID, byte order, float format and date-time settings; every conversion reads those settings.
+// The object creates its code-page converters and its decimal formatter on first use, takes no
+// locks, and is used by one thread at a time.
+//
+// Failures are raised with source module "datacnv" under the object's own log source:
+//   - argument faults (null pointers, bad lengths, sign styles out of range):
+//     ZanConversionException 0xC000157E (CP_INTERNAL_ERROR), trace text "CPI Internal Error",
+//     the message as inserts;
+//   - characters that are not digits: 0xC0001581 (CP_CONV_INPUT_DATA_INVALID);
+//   - values outside the target range: 0xC0001582 (CP_CONV_INPUT_DATA_OUT_OF_BOUNDS);
+//   - pad characters that the code page cannot carry: ZanParserException 0xC0001590
+//     (CP_CONV_INVALID_PADDING) or 0xC0001591 (CP_CONV_INVALID_PADDING_SIZE);
+//   - a code page that cannot be opened: the ZanRecoverableException of CPUnicodeConverter, at the
+//     first operation that needs the converter (the next such operation tries again).
+// A failed operation leaves the caller's output buffer and length unchanged unless it says so.
+
+#include <bsutils/cpunicodeconverter.h>
+#include <bsutils/encoding.h>
+#include <bsutils/pwfdata.h>
+#include <unicode/utypes.h>
+#include <zan/zanlogsource.h>
+#include <zan/zanstringbase.h>
+
+#include <cstdint>
+#include <memory>
+
+U_NAMESPACE_BEGIN
+class DecimalFormat;
+U_NAMESPACE_END
+
+class DataCnv : public ZanOwnedLogSource {
+ public:
+  // How a text field shows the sign of its value. The numbers are part of the interface.
+  enum ESign : std::int32_t {
+    eNoSign = 0,                // no sign; a negative value cannot be written
+    eLeadingEmbeddedSign = 1,   // first character "0".."9", or "p".."y" (digit + 64) if negative
+    eTrailingEmbeddedSign = 2,  // the same on the last character
+    eLeadingSeparateSign = 3,   // the custom minus (or plus) string before the digits
+    eTrailingSeparateSign = 4,  // the custom minus (or plus) string after the digits
+  };
+
+  // Where the data stands in its field; padding and pad trimming act on the other end.
+  enum EJustification : std::int32_t {
+    eLeftJustified = 0,
+    eRightJustified = 1,
+  };
+
+  // What trimming a text field removes before its value is read. Other numbers trim nothing.
+  enum ETrimType : std::int32_t {
+    eNoTrim = 0,
+    eTrimLeadingWhiteSpace = 1,
+    eTrimTrailingWhiteSpace = 2,
+    eTrimWhiteSpace = 3,
+    eTrimPadding = 4,  // the pad character, from the end the justification pads
+  };
+
+  static const ZanStringBase US_MINUS;           // "-"
+  static const ZanStringBase US_PLUS;            // "+"
+  static const ZanStringBase UHEX_NUMBERS;       // "0123456789abcdefABCDEF"
+  static const ZanStringBase US_DECIMAL;         // "."
+  static const ZanStringBase DATE_PATTERN;       // "yyyy-MM-dd"
+  static const ZanStringBase TIME_PATTERN;       // "HH:mm:ss"
+  static const ZanStringBase TIMESTAMP_PATTERN;  // "yyyy-MM-dd HH:mm:ss"
+  static const ZanStringBase MILLISEC_PATTERN;   // ".SSS"
+
+  // Stores the settings; opens nothing and cannot fail. The five formatter arguments are kept for
+  // the date-time formatter, in the order of its constructor (argument 1 first). The positive
+  // packed sign is the nibble written for a non-negative signed packed decimal (12, hexadecimal C).
+  // `logSource` is accepted and not kept: the object always traces under its own log source.
+  explicit DataCnv(std::int32_t ccsid = 1200, EEndian endian = LittleEndian,
+                   EFloatFmt floatFormat = IEEEFloat, std::int32_t formatterArg3 = 53,
+                   char16_t* formatterArg2 = nullptr, char16_t* formatterArg4 = nullptr,
+                   std::int32_t formatterArg5 = 0, bool formatterArg1 = true,
+                   char positivePackedSign = 12, const ZanNamedLogSource* logSource = nullptr);
+  DataCnv(const DataCnv&) = delete;
+  DataCnv& operator=(const DataCnv&) = delete;
+  virtual ~DataCnv();
+
+  // --- the object and its settings ---
+
+  // The converter for the object's CCSID and byte order, opened on first call and kept. Raises the
+  // open failures of CPUnicodeConverter; after one, the next call tries again.
+  CPUnicodeConverter* getConverter();
+
+  // Replaces the five date-time formatter settings; a text whose length is 0 is stored as null.
+  // A formatter already created keeps the settings it was created with.
+  void setDateTimeProperties(std::int32_t formatterArg3, char16_t* formatterArg2,
+                             char16_t* formatterArg4, std::int32_t formatterArg5,
+                             bool formatterArg1);
+
+  // --- encoding numbers: integer order in 0x00F, packed-decimal order in 0x0F0, floats in 0xF00
+  // ---
+
+  // BigEndian when the integer digit is 1 (273 -> BigEndian), else LittleEndian (546, 0).
+  static EEndian getEndianFromEncoding(std::int32_t encoding);
+  // HFPFloat when the float digit is 3 (785), else IEEEFloat.
+  static EFloatFmt getFloatFormatFromEncoding(std::int32_t encoding);
+  // BigEndian when the packed-decimal digit is 1 (0x110), else LittleEndian.
+  static EEndian getPackedDecimalFromEncoding(std::int32_t encoding);
+  // 514 (LittleEndian, IEEE), 257 (other, IEEE), 770 (LittleEndian, HFP), 769 (other, HFP). With
+  // HFP the packed-decimal digit is 0, so it reads back as little-endian: kept as the runtime has
+  // it.
+  static std::int32_t getEncoding(EEndian endian, EFloatFmt floatFormat);
+
+  // Writes `length` bytes of `input` into `output` in reverse order (01 02 03 -> 03 02 01). The
+  // buffers must not overlap. Raises CP_INTERNAL_ERROR, before writing anything, for a null input
+  // ("Null input pointer"), a null output ("Null output buffer pointer") or a length below 1
+  // ("Invalid input length: ", length).
+  static void SwapEnds(unsigned char* output, const unsigned char* input, std::int32_t length);
+
+  // --- the code page ---
+
+  // True when the code page writes the digit "0" as 0xF0, the EBCDIC zero (37, 500, 1047, 273);
+  // false for ASCII-based and Unicode code pages. Opens the converter.
+  bool IsCcsidEBCDIC();
+
+  // Converts `size` bytes in the object's code page into `output`, which is replaced. Returns the
+  // ICU status: 0 on success, an ICU error code otherwise (what was converted before it stays in
+  // `output`). A size of 0 gives an empty text and success. A size from 1 up to below the code
+  // page's minimum bytes per character raises CP_INTERNAL_ERROR ("size < MinBytesPerChar for
+  // codepage: ", ccsid).
+  std::int32_t toUnicodeString(ZanStringBase& output, const unsigned char* input,
+                               std::int32_t size);
+  // Converts `input` into `output` in the object's code page. `size` in: the capacity in bytes;
+  // out: the bytes written. Returns the ICU status (U_BUFFER_OVERFLOW_ERROR with the buffer full
+  // when it is too small; U_ILLEGAL_ARGUMENT_ERROR for a capacity below 1); raises nothing itself.
+  UErrorCode fromUnicodeString(const ZanStringBase& input, unsigned char* output,
+                               std::int32_t& size);
+
+  // --- text fields: trimming and padding ---
+
+  // Trims `length` UTF-16 units of `buffer` in place as the trim type says (see ETrimType), clears
+  // all `length` units to zero, puts the trimmed text at the start and returns its length. A pad
+  // character given in the code page (`padIsUnicode` false) must be one character of it (below
+  // 256 in a single-byte code page), else CP_CONV_INVALID_PADDING. Raises CP_INTERNAL_ERROR for a
+  // null buffer ("Null input pointer") or a negative length ("Invalid input length: ", length).
+  //   "  12  " (6 units), eTrimWhiteSpace -> returns 2; the buffer holds "12" and four zeros.
+  std::int32_t TrimString(char16_t* buffer, std::int32_t length, char16_t padChar,
+                          EJustification justification, ETrimType trimType, bool padIsUnicode);
+
+  // Cuts `text` to, or extends it with zero units to, `dataLength` units, then pads it to
+  // `fieldLength` units: at the start when `justification` is not 0, at the end when it is. A pad
+  // character given in the code page is one byte of it. Raises CP_INTERNAL_ERROR when
+  // `fieldLength` is negative or below `dataLength` ("Invalid input length: ", fieldLength,
+  // " Expected string length after padding: ", dataLength: the labels are the runtime's).
+  //   "12", field 5, data 2, pad "0", right justified -> "00012".
+  void PadString(ZanStringBase& text, std::int32_t fieldLength, std::int32_t dataLength,
+                 char16_t padChar, EJustification justification, bool padIsUnicode);
+
+  // Pads a field already encoded in the object's code page. `buffer` points just past the
+  // `dataBytes` data bytes, and `padBytes` bytes from there on are the caller's. Right justified
+  // (1): the data moves to the end and the padding goes before it; otherwise the padding follows
+  // the data. A pad character given in the code page (`padIsUnicode` false) is written as its low
+  // byte in a single-byte code page and as its two bytes in memory order in a two-byte one; a
+  // UTF-16 pad character is converted to the code page.
+  // Raises CP_INTERNAL_ERROR for a null buffer or a negative count ("Invalid argument for
+  // DataCnv::PadData") and for a UTF-16 pad character the code page cannot encode ("Error
+  // converting from unicode"); CP_CONV_INVALID_PADDING for a code-page pad character wider than
+  // the code page or a padding that is not a whole number of characters (inserts: the pad
+  // character's bytes in hexadecimal and the CCSID); CP_CONV_INVALID_PADDING_SIZE when the
+  // encoded pad character does not divide the padding (inserts: its bytes and the padding length).
+  // When right justified, the pad block is copied as a NUL-terminated string, so a pad character
+  // whose encoding contains a zero byte leaves zero bytes after that point: kept as the runtime
+  // has it.
+  void PadData(unsigned char* buffer, std::int32_t padBytes, std::int32_t dataBytes,
+               EJustification justification, char16_t padChar, bool padIsUnicode);
+
+  // --- integer text fields ---
+
+  // Reads a 32-bit integer from `length` UTF-16 units: the pad character (one code-page byte when
+  // `padIsUnicode` is false) and trim type are applied, an empty result gives 0, the sign is read
+  // in the given style (minus and plus are NUL-terminated; either may be longer than one
+  // character), and every remaining character must be a decimal digit. Digits of any script read
+  // as their value.
+  //   "  -42  ", eLeadingSeparateSign, "-", "+", eTrimWhiteSpace -> -42
+  // Raises CP_INTERNAL_ERROR for a null text ("Null input pointer passed into
+  // DataCnv::StrToInt32"), null sign strings ("Null sign string pointer passed into
+  // DataCnv::StrToInt32") or a sign style outside 0 to 4 ("Invalid sign type: ", style);
+  // CP_CONV_INPUT_DATA_INVALID for a negative length (trace text "Tried to convert a zero length
+  // string to a integer", insert "integer") or a character that is not a digit (inserts "string"
+  // and the text); CP_CONV_INPUT_DATA_OUT_OF_BOUNDS (insert "string") for more than 10 digits,
+  // leading zeros included, or a value beyond the 32-bit range. "2147483648" with a minus is the
+  // smallest 32-bit value.
+  std::int32_t StrToInt32(const char16_t* text, std::int32_t length, ESign sign,
+                          const char16_t* minus, const char16_t* plus, ETrimType trimType,
+                          EJustification justification, char16_t padChar, bool padIsUnicode);
+  // As StrToInt32 for 64 bits (19 digits), with these differences: the embedded styles 1 and 2 are
+  // refused before anything else ("Sign type invalid for context: ", style); the texts are "Null
+  // input pointer passed into DataCnv::StrToInt64", "Null sign string pointer" and "Tried to
+  // convert a zero length string to an integer"; out of range has the inserts "string" and
+  // "8-byte integer".
+  std::int64_t StrToInt64(const char16_t* text, std::int32_t length, ESign sign,
+                          const char16_t* minus, const char16_t* plus, ETrimType trimType,
+                          EJustification justification, char16_t padChar, bool padIsUnicode);
+
+  // Writes `value` as decimal text into `out`. `outLength` in: the capacity in units; out: the
+  // units written (no NUL is added). A negative value carries the custom minus string before
+  // (style 3) or after (style 4) the digits; a positive value carries no sign. With `pad`, the text
+  // is padded to the whole capacity (see PadString for the sides); a digit pad character goes
+  // between the sign and the digits, any other outside the sign.
+  //   -42, capacity 6, style 3, "-", pad "0", right justified -> "-00042"; pad " " -> "   -42";
+  //   -42, style 4, minus "DB", no pad -> "42DB", outLength 4.
+  // Raises CP_INTERNAL_ERROR for a null `out` ("Null output buffer pointer"), a capacity below 1
+  // ("Invalid output buffer length: ", capacity), null sign strings ("Null sign string pointer"),
+  // the embedded styles 1 and 2 ("Sign type invalid for context: ", style) or a style outside 0 to
+  // 4 ("Invalid sign type: ", style); CP_CONV_INPUT_DATA_OUT_OF_BOUNDS for a negative value with no
+  // sign (inserts "4-byte integer", "string (no sign)") and for a text longer than the capacity
+  // (inserts "integer", "string (", length, " characters)").
+  void StrFromInt32(std::int32_t value, char16_t* out, std::int32_t& outLength, ESign sign,
+                    const char16_t* minus, const char16_t* plus, bool pad,
+                    EJustification justification, char16_t padChar, bool padIsUnicode);
+  // As StrFromInt32 for 64 bits (the no-sign insert is "8-byte integer").
+  void StrFromInt64(std::int64_t value, char16_t* out, std::int32_t& outLength, ESign sign,
+                    const char16_t* minus, const char16_t* plus, bool pad,
+                    EJustification justification, char16_t padChar, bool padIsUnicode);
+  // As above, the text replacing `out`; `outLength` is the capacity in and the length out.
+  void StrFromInt64(std::int64_t value, ZanStringBase& out, std::int32_t& outLength, ESign sign,
+                    const char16_t* minus, const char16_t* plus, bool pad,
+                    EJustification justification, char16_t padChar, bool padIsUnicode);
+  // The shortest decimal text of `value`, "-" before a negative one, as an eString value.
+  PWFData StrFromInt64(std::int64_t value);
+
+ private:
+  friend class DataCnvTestAccess;
+
+  CPUnicodeConverter* getLocalConverter();
+  icu::DecimalFormat* getDecimalFormatter();
+
+  // Hexadecimal digit values; a non-digit is 0 for ChToHex (bytes 0x80 and up included) and -1 for
+  // PWFChToHex. Callers rely on their own convention.
+  std::int32_t ChToHex(char c);
+  std::int32_t PWFChToHex(char16_t c);
+
+  // A pad character given in the code page, as UTF-16: its low byte when `width` is 1 (it must be
+  // below 256), its two bytes in memory order when 2; any other width, or bytes that do not
+  // convert, raise CP_CONV_INVALID_PADDING under `function`.
+  char16_t codePageCharToUnicode(const char* function, char16_t padChar, std::int32_t width);
+  // The bytes of a UTF-16 pad character in the code page, into `unit` (room for one character of
+  // any code page); returns their count. A character the code page cannot carry
+  // raises CP_INTERNAL_ERROR ("Error converting from unicode").
+  std::int32_t encodePadChar(char16_t padChar, unsigned char* unit);
+  [[noreturn]] void raiseInvalidPadding(const char* function, char16_t padChar);
+
+  void PadData(ZanStringBase& text, std::int32_t count, EJustification justification,
+               char16_t padChar, bool padIsUnicode);
+  void TrimData(ZanStringBase& text, ETrimType trimType, EJustification justification,
+                char16_t padChar, bool padIsUnicode);
+  void TrimFromTheLeft(ZanStringBase& text, std::int32_t count);
+  void TrimFromTheRight(ZanStringBase& text, std::int32_t count);
+  int getNumLeadingPaddingChar(const ZanStringBase& text, const char16_t* padChar);
+  int getNumTrailingPaddingChar(const ZanStringBase& text, const char16_t* padChar);
+  bool testPaddingChar(char16_t ch, const char16_t* padChar);
+
+  bool CheckSign(ZanStringBase& digits, ESign sign, const char16_t* minus, const char16_t* plus);
+  static bool HasALeadingMinus(const ZanStringBase& text, ESign sign, const char16_t* minus,
+                               const char16_t* plus);
+  static bool HasATrailingMinus(const ZanStringBase& text, ESign sign, const char16_t* minus,
+                                const char16_t* plus);
+  void SubstituteMinusSign(ZanStringBase& text, ESign sign, const char16_t* minus,
+                           bool noStandardMinus);
+
+  void Int64ToUString(std::int64_t value, ZanStringBase& out);
+  std::int64_t UStringToInt64(const ZanStringBase& text);
+  // The text of an integer field and the checks of the writers; `function` and `integerKind`
+  // ("4-byte integer", "8-byte integer") name the writer in its failures.
+  ZanStringBase integerField(const char* function, const char* integerKind, std::int64_t value,
+                             std::int32_t capacity, ESign sign, const char16_t* minus,
+                             const char16_t* plus, bool pad, EJustification justification,
+                             char16_t padChar, bool padIsUnicode);
+  void integerFieldToBuffer(const char* function, const char* integerKind, std::int64_t value,
+                            char16_t* out, std::int32_t& outLength, ESign sign,
+                            const char16_t* minus, const char16_t* plus, bool pad,
+                            EJustification justification, char16_t padChar, bool padIsUnicode);
+  // The readers' common body, for std::int32_t and std::int64_t.
+  template <class Integer>
+  Integer integerFromField(const char16_t* text, std::int32_t length, ESign sign,
+                           const char16_t* minus, const char16_t* plus, ETrimType trimType,
+                           EJustification justification, char16_t padChar, bool padIsUnicode);
+
+  bool isDecimalValid(const ZanStringBase& text, bool requirePoint);
+  void validateDecimal(const ZanStringBase& text);
+  void removeTrailingDecimal(ZanStringBase& text);
+  void adjustDecimalForString(ZanStringBase& text, std::int32_t scale);
+  void TrimFromDecimal(ZanStringBase& text);
+  void TrimNonSignificantZeros(ZanStringBase& text);
+
+  std::int32_t ccsid_;
+  std::int32_t formatterArg3_;
+  EEndian endian_;
+  EFloatFmt floatFormat_;
+  char16_t* formatterArg2_;  // not owned
+  bool formatterArg1_;
+  char16_t* formatterArg4_;  // not owned
+  char positivePackedSign_;
+  std::int32_t formatterArg5_;
+  std::unique_ptr<CPUnicodeConverter> converter_;
+  std::unique_ptr<CPUnicodeConverter> localConverter_;
+  std::unique_ptr<icu::DecimalFormat> decimalFormatter_;
+};
+
+#endif  // BSUTILS_DATACONV_H
