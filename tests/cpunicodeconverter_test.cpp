@@ -3,7 +3,12 @@
 
 #include <bsutils/cpunicodeconverter.h>
 #include <gtest/gtest.h>
+#include <unicode/putil.h>
+#include <unistd.h>
 
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -84,30 +89,17 @@ TEST(CPUnicodeConverter, MixedByteEbcdicShiftsOutForDoubleByteText) {
   }
 }
 
-TEST(CPUnicodeConverter, ReportsCharacterWidthsAndType) {
+TEST(CPUnicodeConverter, ReportsCharacterWidths) {
   struct Case {
     std::int32_t ccsid;
-    EEndian endian;
     signed char minBytes;
     signed char maxBytes;
-    UConverterType type;
   };
-  const Case cases[] = {
-      {37, BigEndian, 1, 1, UCNV_SBCS},
-      {819, BigEndian, 1, 1, UCNV_LATIN_1},
-      {1208, LittleEndian, 1, 3, UCNV_UTF8},
-      {1200, LittleEndian, 2, 2, UCNV_UTF16_LittleEndian},
-      {1200, BigEndian, 2, 2, UCNV_UTF16_BigEndian},
-  };
-  for (const Case& c : cases) {
+  for (const Case& c : {Case{37, 1, 1}, Case{1208, 1, 3}, Case{13488, 2, 2}}) {
     SCOPED_TRACE(c.ccsid);
-    CPUnicodeConverter converter(c.ccsid, c.endian);
+    const CPUnicodeConverter converter(c.ccsid, BigEndian);
     EXPECT_EQ(converter.getMinBytesPerChar(), c.minBytes);
     EXPECT_EQ(converter.getMaxBytesPerChar(), c.maxBytes);
-    EXPECT_EQ(converter.getType(), c.type);
-    UErrorCode status = U_ZERO_ERROR;
-    EXPECT_NE(converter.getName(status), nullptr);
-    EXPECT_EQ(status, U_ZERO_ERROR);
   }
   CPUnicodeConverter any(37, BigEndian);
   EXPECT_EQ(any.MaxBytesPerChar(), 3) << "UTF-8, the local code page";
@@ -138,6 +130,34 @@ TEST(CPUnicodeConverter, ACodePageThatCannotBeOpenedIsRefused) {
         "Error creating convertor", "cpunicodeconverter", "cpunicodeconverter::cpunicodeconverter",
         {std::to_string(c.ccsid), c.name});
   }
+}
+
+TEST(CPUnicodeConverter, ABrokenTableIsAnInvalidCodePage) {
+  // ICU looks for a converter it does not know as a table file under its data directory. Give it
+  // one whose header is a converter table's but whose contents are not: what a corrupt or
+  // mismatched table file looks like.
+  const std::filesystem::path directory =
+      std::filesystem::temp_directory_path() / ("bsutils-cnv-" + std::to_string(getpid()));
+  std::filesystem::create_directories(directory / U_ICUDATA_NAME);
+  unsigned char table[64] = {32, 0, 0xDA, 0x27};  // header size, magic
+  unsigned char* const info = table + 4;
+  info[0] = 20;                      // size of the data information
+  info[4] = U_IS_BIG_ENDIAN;         // the machine's own byte order
+  info[6] = 2;                       // sizeof(UChar)
+  std::memcpy(info + 8, "cnvt", 4);  // data format
+  info[12] = 6;                      // format version
+  table[32] = 1;                     // a structure size no table has
+  std::ofstream(directory / U_ICUDATA_NAME / "ibm-99998.cnv", std::ios::binary)
+      .write(reinterpret_cast<const char*>(table), sizeof table);
+
+  const std::string previous = u_getDataDirectory();
+  u_setDataDirectory(directory.c_str());
+  expectFailure<ZanRecoverableException>(
+      [] { CPUnicodeConverter converter(99998, BigEndian); }, "QZR2132", 0xC0000854,
+      "Invalid codepage (or missing table)", "cpunicodeconverter",
+      "cpunicodeconverter::cpunicodeconverter", {"99998", "ibm-99998"});
+  u_setDataDirectory(previous.c_str());
+  std::filesystem::remove_all(directory);
 }
 
 TEST(CPUnicodeConverter, CopiesShareOneConverterAndItsStreamingState) {

@@ -75,129 +75,106 @@ TEST(DataCnvStrToInt, CodePagePadCharacterIsOneByteOfTheCodePage) {
             42);
 }
 
+// The message number and the default trace text of each code the readers and writers raise.
+struct Code {
+  const char* symbol;
+  std::uint32_t messageNumber;
+  const char* traceText;
+};
+const Code kInternal{"CP_INTERNAL_ERROR", 0xC000157E, "CPI Internal Error"};
+const Code kInvalid{"CP_CONV_INPUT_DATA_INVALID", 0xC0001581, "CPI Converter Input Data Invalid"};
+const Code kBounds{"CP_CONV_INPUT_DATA_OUT_OF_BOUNDS", 0xC0001582,
+                   "CPI Converter Input Data Out Of Bounds"};
+
 TEST(DataCnvStrToInt, RefusesBadFieldsWithTheRunTimesTexts) {
-  DataCnv cnv;
-  const auto read32 = [&](const char16_t* text, std::int32_t length, DataCnv::ESign sign,
-                          const char16_t* minus) {
-    return [&cnv, text, length, sign, minus] {
-      cnv.StrToInt32(text, length, sign, minus, u"+", DataCnv::eNoTrim, kLeft, u' ', true);
-    };
-  };
-  const auto read64 = [&](const char16_t* text, std::int32_t length, DataCnv::ESign sign,
-                          const char16_t* minus) {
-    return [&cnv, text, length, sign, minus] {
-      cnv.StrToInt64(text, length, sign, minus, u"+", DataCnv::eNoTrim, kLeft, u' ', true);
-    };
-  };
   struct Case {
-    const char* name;
-    std::function<void()> call;
-    const char* symbol;
-    std::uint32_t messageNumber;
-    const char* traceText;
-    const char* function;
+    int bits;
+    const char16_t* text;
+    std::int32_t length;
+    DataCnv::ESign sign;
+    const char16_t* minus;
+    Code code;
+    const char* function;  // where the failure is raised, when not in the reader itself
     std::vector<std::string> inserts;
   };
-  const char* internal = "CPI Internal Error";
-  const char* invalid = "CPI Converter Input Data Invalid";
-  const char* bounds = "CPI Converter Input Data Out Of Bounds";
+  const Code zeroLength32{kInvalid.symbol, kInvalid.messageNumber,
+                          "Tried to convert a zero length string to a integer"};
+  const Code zeroLength64{kInvalid.symbol, kInvalid.messageNumber,
+                          "Tried to convert a zero length string to an integer"};
   const Case cases[] = {
-      {"null text 32",
-       read32(nullptr, 1, kLeading, u"-"),
-       "CP_INTERNAL_ERROR",
-       0xC000157E,
-       internal,
-       "DataCnv::StrToInt32",
+      {32,
+       nullptr,
+       1,
+       kLeading,
+       u"-",
+       kInternal,
+       nullptr,
        {"Null input pointer passed into DataCnv::StrToInt32"}},
-      {"null text 64",
-       read64(nullptr, 1, kLeading, u"-"),
-       "CP_INTERNAL_ERROR",
-       0xC000157E,
-       internal,
-       "DataCnv::StrToInt64",
+      {64,
+       nullptr,
+       1,
+       kLeading,
+       u"-",
+       kInternal,
+       nullptr,
        {"Null input pointer passed into DataCnv::StrToInt64"}},
-      {"negative length 32",
-       read32(u"1", -1, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_INVALID",
-       0xC0001581,
-       "Tried to convert a zero length string to a integer",
-       "DataCnv::StrToInt32",
-       {"integer"}},
-      {"negative length 64",
-       read64(u"1", -1, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_INVALID",
-       0xC0001581,
-       "Tried to convert a zero length string to an integer",
-       "DataCnv::StrToInt64",
-       {"integer"}},
-      {"null minus 32",
-       read32(u"1", 1, kLeading, nullptr),
-       "CP_INTERNAL_ERROR",
-       0xC000157E,
-       internal,
-       "DataCnv::StrToInt32",
+      {32, u"1", -1, kLeading, u"-", zeroLength32, nullptr, {"integer"}},
+      {64, u"1", -1, kLeading, u"-", zeroLength64, nullptr, {"integer"}},
+      {32,
+       u"1",
+       1,
+       kLeading,
+       nullptr,
+       kInternal,
+       nullptr,
        {"Null sign string pointer passed into DataCnv::StrToInt32"}},
-      {"null minus 64",
-       read64(u"1", 1, kLeading, nullptr),
-       "CP_INTERNAL_ERROR",
-       0xC000157E,
-       internal,
-       "DataCnv::StrToInt64",
-       {"Null sign string pointer"}},
-      {"embedded sign 64, before the text",
-       read64(nullptr, -1, DataCnv::eLeadingEmbeddedSign, u"-"),
-       "CP_INTERNAL_ERROR",
-       0xC000157E,
-       internal,
-       "DataCnv::StrToInt64",
+      {64, u"1", 1, kLeading, nullptr, kInternal, nullptr, {"Null sign string pointer"}},
+      // Refused before the (null) text is looked at.
+      {64,
+       nullptr,
+       -1,
+       DataCnv::eLeadingEmbeddedSign,
+       u"-",
+       kInternal,
+       nullptr,
        {"Sign type invalid for context: ", "1"}},
-      {"sign style 7",
-       read32(u"1", 1, static_cast<DataCnv::ESign>(7), u"-"),
-       "CP_INTERNAL_ERROR",
-       0xC000157E,
-       internal,
+      {32,
+       u"1",
+       1,
+       static_cast<DataCnv::ESign>(7),
+       u"-",
+       kInternal,
        "DataCnv::CheckSign",
        {"Invalid sign type: ", "7"}},
-      {"inner space",
-       read32(u"1 2", 3, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_INVALID",
-       0xC0001581,
-       invalid,
-       "DataCnv::StrToInt32",
-       {"string", "1 2"}},
-      {"digit after embedded sign",
-       read32(u"A1", 2, DataCnv::eLeadingEmbeddedSign, u"-"),
-       "CP_CONV_INPUT_DATA_INVALID",
-       0xC0001581,
-       invalid,
-       "DataCnv::StrToInt32",
-       {"string", "A1"}},
-      {"one past the top 32",
-       read32(u"2147483648", 10, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS",
-       0xC0001582,
-       bounds,
-       "DataCnv::StrToInt32",
-       {"string"}},
-      {"leading zeros count 32",
-       read32(u"00000000001", 11, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS",
-       0xC0001582,
-       bounds,
-       "DataCnv::StrToInt32",
-       {"string"}},
-      {"one past the bottom 64",
-       read64(u"-9223372036854775809", 20, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS",
-       0xC0001582,
-       bounds,
-       "DataCnv::StrToInt64",
+      {32, u"1 2", 3, kLeading, u"-", kInvalid, nullptr, {"string", "1 2"}},
+      {32, u"A1", 2, DataCnv::eLeadingEmbeddedSign, u"-", kInvalid, nullptr, {"string", "A1"}},
+      {32, u"2147483648", 10, kLeading, u"-", kBounds, nullptr, {"string"}},
+      {32, u"00000000001", 11, kLeading, u"-", kBounds, nullptr, {"string"}},  // zeros count
+      {64,
+       u"-9223372036854775809",
+       20,
+       kLeading,
+       u"-",
+       kBounds,
+       nullptr,
        {"string", "8-byte integer"}},
   };
+  DataCnv cnv;
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    expectFailure<ZanConversionException>(c.call, c.symbol, c.messageNumber, c.traceText, "datacnv",
-                                          c.function, c.inserts);
+    const std::string reader = c.bits == 32 ? "DataCnv::StrToInt32" : "DataCnv::StrToInt64";
+    SCOPED_TRACE(reader + " " + c.inserts.front());
+    expectFailure<ZanConversionException>(
+        [&] {
+          if (c.bits == 32) {
+            cnv.StrToInt32(c.text, c.length, c.sign, c.minus, u"+", DataCnv::eNoTrim, kLeft, u' ',
+                           true);
+          } else {
+            cnv.StrToInt64(c.text, c.length, c.sign, c.minus, u"+", DataCnv::eNoTrim, kLeft, u' ',
+                           true);
+          }
+        },
+        c.code.symbol, c.code.messageNumber, c.code.traceText, "datacnv",
+        c.function != nullptr ? c.function : reader, c.inserts);
   }
 }
 
@@ -319,74 +296,63 @@ TEST(DataCnvStrFromInt, PlainFormIsAStringValue) {
   }
 }
 
-TEST(DataCnvStrFromInt, RefusesWhatCannotBeWritten) {
-  DataCnv cnv;
-  char16_t out[8] = u"unchang";
-  std::int32_t outLength = 5;
-  const auto write32 = [&](std::int32_t value, char16_t* target, std::int32_t capacity,
-                           DataCnv::ESign sign, const char16_t* minus) {
-    return [&cnv, &outLength, value, target, capacity, sign, minus] {
-      outLength = capacity;
-      cnv.StrFromInt32(value, target, outLength, sign, minus, u"+", false, kLeft, u' ', true);
-    };
-  };
+TEST(DataCnvStrFromInt, RefusesWhatCannotBeWrittenAndLeavesTheBufferAlone) {
   struct Case {
-    const char* name;
-    std::function<void()> call;
-    const char* symbol;
+    std::int32_t value;
+    bool nullOutput;
+    std::int32_t capacity;
+    DataCnv::ESign sign;
+    const char16_t* minus;
+    Code code;
     std::vector<std::string> inserts;
   };
   const Case cases[] = {
-      {"null output",
-       write32(1, nullptr, 5, kLeading, u"-"),
-       "CP_INTERNAL_ERROR",
-       {"Null output buffer pointer"}},
-      {"zero capacity",
-       write32(1, out, 0, kLeading, u"-"),
-       "CP_INTERNAL_ERROR",
-       {"Invalid output buffer length: ", "0"}},
-      {"null minus",
-       write32(1, out, 5, kLeading, nullptr),
-       "CP_INTERNAL_ERROR",
-       {"Null sign string pointer"}},
-      {"embedded sign",
-       write32(1, out, 5, DataCnv::eTrailingEmbeddedSign, u"-"),
-       "CP_INTERNAL_ERROR",
+      {1, true, 5, kLeading, u"-", kInternal, {"Null output buffer pointer"}},
+      {1, false, 0, kLeading, u"-", kInternal, {"Invalid output buffer length: ", "0"}},
+      {1, false, 5, kLeading, nullptr, kInternal, {"Null sign string pointer"}},
+      {1,
+       false,
+       5,
+       DataCnv::eTrailingEmbeddedSign,
+       u"-",
+       kInternal,
        {"Sign type invalid for context: ", "2"}},
-      {"sign style out of range",
-       write32(1, out, 5, static_cast<DataCnv::ESign>(-1), u"-"),
-       "CP_INTERNAL_ERROR",
+      {1,
+       false,
+       5,
+       static_cast<DataCnv::ESign>(-1),
+       u"-",
+       kInternal,
        {"Invalid sign type: ", "-1"}},
-      {"negative without sign",
-       write32(-1, out, 5, DataCnv::eNoSign, u"-"),
-       "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS",
-       {"4-byte integer", "string (no sign)"}},
-      {"too long",
-       write32(123456, out, 5, kLeading, u"-"),
-       "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS",
-       {"integer", "string (", "6", " characters)"}},
-      {"custom minus too long",
-       write32(-1234, out, 5, kTrailing, u"DB"),
-       "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS",
-       {"integer", "string (", "6", " characters)"}},
+      {-1, false, 5, DataCnv::eNoSign, u"-", kBounds, {"4-byte integer", "string (no sign)"}},
+      {123456, false, 5, kLeading, u"-", kBounds, {"integer", "string (", "6", " characters)"}},
+      {-1234, false, 5, kTrailing, u"DB", kBounds, {"integer", "string (", "6", " characters)"}},
   };
+  DataCnv cnv;
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const bool internal = std::string(c.symbol) == "CP_INTERNAL_ERROR";
+    SCOPED_TRACE(c.inserts.front());
+    char16_t out[8] = u"unchang";
+    std::int32_t outLength = c.capacity;
     expectFailure<ZanConversionException>(
-        c.call, c.symbol, internal ? 0xC000157E : 0xC0001582,
-        internal ? "CPI Internal Error" : "CPI Converter Input Data Out Of Bounds", "datacnv",
-        "DataCnv::StrFromInt32", c.inserts);
+        [&] {
+          cnv.StrFromInt32(c.value, c.nullOutput ? nullptr : out, outLength, c.sign, c.minus, u"+",
+                           false, kLeft, u' ', true);
+        },
+        c.code.symbol, c.code.messageNumber, c.code.traceText, "datacnv", "DataCnv::StrFromInt32",
+        c.inserts);
     EXPECT_EQ(ZanStringBase(out), ZanStringBase(u"unchang"));
+    EXPECT_EQ(outLength, c.capacity);
   }
   // The 8-byte writer names its own kind.
+  std::int32_t capacity = 5;
   expectFailure<ZanConversionException>(
       [&] {
-        std::int32_t capacity = 5;
-        cnv.StrFromInt64(-1, out, capacity, DataCnv::eNoSign, u"-", u"+", false, kLeft, u' ', true);
+        ZanStringBase text;
+        cnv.StrFromInt64(-1, text, capacity, DataCnv::eNoSign, u"-", u"+", false, kLeft, u' ',
+                         true);
       },
-      "CP_CONV_INPUT_DATA_OUT_OF_BOUNDS", 0xC0001582, "CPI Converter Input Data Out Of Bounds",
-      "datacnv", "DataCnv::StrFromInt64", {"8-byte integer", "string (no sign)"});
+      kBounds.symbol, kBounds.messageNumber, kBounds.traceText, "datacnv", "DataCnv::StrFromInt64",
+      {"8-byte integer", "string (no sign)"});
 }
 
 }  // namespace

@@ -190,15 +190,4 @@ TEST(DataCnvObject, EmptyDateTimeTextsAreStoredAsNull) {
   EXPECT_EQ(DataCnvTestAccess::formatterArg4(cnv), zone);
 }
 
-TEST(DataCnvObject, ClassConstants) {
-  EXPECT_EQ(DataCnv::US_MINUS.toUtf8(), "-");
-  EXPECT_EQ(DataCnv::US_PLUS.toUtf8(), "+");
-  EXPECT_EQ(DataCnv::UHEX_NUMBERS.toUtf8(), "0123456789abcdefABCDEF");
-  EXPECT_EQ(DataCnv::US_DECIMAL.toUtf8(), ".");
-  EXPECT_EQ(DataCnv::DATE_PATTERN.toUtf8(), "yyyy-MM-dd");
-  EXPECT_EQ(DataCnv::TIME_PATTERN.toUtf8(), "HH:mm:ss");
-  EXPECT_EQ(DataCnv::TIMESTAMP_PATTERN.toUtf8(), "yyyy-MM-dd HH:mm:ss");
-  EXPECT_EQ(DataCnv::MILLISEC_PATTERN.toUtf8(), ".SSS");
-}
-
 }  // namespace
