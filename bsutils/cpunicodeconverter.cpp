@@ -32,6 +32,27 @@ void requireLocalArguments(const void* target, const int* targetLength, const vo
   }
 }
 
+// One call over the whole source through a converter of its own, so that the static conversions
+// may run on any thread. A target too small is a failure, never a truncation.
+template <class Target, class Source>
+void convertLocally(void (CPUnicodeConverter::*convert)(Target*&, const Target*, const Source*&,
+                                                        const Source*, std::int32_t*, signed char,
+                                                        UErrorCode&),
+                    Target* target, int* targetLength, const Source* source, int sourceLength,
+                    const char* failureText) {
+  requireLocalArguments(target, targetLength, source, sourceLength);
+  CPUnicodeConverter local(kLocalCcsid, LittleEndian);
+  Target* end = target;
+  UErrorCode status = U_ZERO_ERROR;
+  (local.*convert)(end, target + *targetLength, source, source + sourceLength, nullptr, true,
+                   status);
+  if (U_FAILURE(status)) {
+    CP_RAISE(CP_INTERNAL_ERROR, kModule, kLocalFunction, nullptr, failureText,
+             static_cast<std::int32_t>(status));
+  }
+  *targetLength = static_cast<int>(end - target);
+}
+
 }  // namespace
 
 bool CPBaseUnicodeConverter::IsUnicode(std::int32_t ccsid) {
@@ -66,32 +87,14 @@ CPUnicodeConverter::CPUnicodeConverter(std::int32_t ccsid, EEndian endian)
 
 void CPUnicodeConverter::fromUnicodeToLocal(char* target, int* targetLength, const char16_t* source,
                                             int sourceLength) {
-  requireLocalArguments(target, targetLength, source, sourceLength);
-  CPUnicodeConverter local(kLocalCcsid, LittleEndian);
-  char* end = target;
-  UErrorCode status = U_ZERO_ERROR;
-  local.fromUnicode(end, target + *targetLength, source, source + sourceLength, nullptr, true,
-                    status);
-  if (U_FAILURE(status)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kModule, kLocalFunction, nullptr,
-             "Error converting to text to local codepage", static_cast<std::int32_t>(status));
-  }
-  *targetLength = static_cast<int>(end - target);
+  convertLocally(&CPUnicodeConverter::fromUnicode, target, targetLength, source, sourceLength,
+                 "Error converting to text to local codepage");
 }
 
 void CPUnicodeConverter::fromLocalToUnicode(char16_t* target, int* targetLength, const char* source,
                                             int sourceLength) {
-  requireLocalArguments(target, targetLength, source, sourceLength);
-  CPUnicodeConverter local(kLocalCcsid, LittleEndian);
-  char16_t* end = target;
-  UErrorCode status = U_ZERO_ERROR;
-  local.toUnicode(end, target + *targetLength, source, source + sourceLength, nullptr, true,
-                  status);
-  if (U_FAILURE(status)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kModule, kLocalFunction, nullptr,
-             "Error converting from local codepage to unicode", static_cast<std::int32_t>(status));
-  }
-  *targetLength = static_cast<int>(end - target);
+  convertLocally(&CPUnicodeConverter::toUnicode, target, targetLength, source, sourceLength,
+                 "Error converting from local codepage to unicode");
 }
 
 std::int32_t CPUnicodeConverter::MaxBytesPerChar() {

@@ -282,11 +282,20 @@ class DataCnv : public ZanOwnedLogSource {
                            const char16_t* minus, const char16_t* plus, ETrimType trimType,
                            EJustification justification, char16_t padChar, bool padIsUnicode);
 
+  // Decimal text: UTF-16 digits with at most one "." (and, for isDecimalValid, an exponent).
+  // True for unsigned plain or exponential text ("1e-5"); with `requirePoint`, only if it has ".".
   bool isDecimalValid(const ZanStringBase& text, bool requirePoint);
+  // Accepts a sign first, one ".", digits and grouping commas; raises CP_CONV_INPUT_DATA_INVALID
+  // (insert "decimal") for anything else.
   void validateDecimal(const ZanStringBase& text);
+  // ".5" -> "0.5", "7." -> "7".
   void removeTrailingDecimal(ZanStringBase& text);
+  // Divides unsigned digit text by ten to the power `scale` by moving the point: "12345", 2 ->
+  // "123.45"; "5", 3 -> "0.005"; "1.5", -3 -> "1500". A sign would count as a digit.
   void adjustDecimalForString(ZanStringBase& text, std::int32_t scale);
+  // Truncates at the point: "12.99" -> "12".
   void TrimFromDecimal(ZanStringBase& text);
+  // Drops leading zeros, and trailing ones after a point: "0012.3400" -> "12.34", "0.50" -> ".5".
   void TrimNonSignificantZeros(ZanStringBase& text);
 
   std::int32_t ccsid_;
