@@ -1,4 +1,5 @@
 #include <bsutils/cpalloc.h>
+#include <bsutils/dataconv.h>
 #include <bsutils/pwfdata.h>
 #include <zan/zanlog.h>
 
@@ -18,6 +19,17 @@ constexpr const char* kInit = "PWFData::init";
 std::int32_t unitsToBytes(std::int32_t units) {
   constexpr std::int32_t kRefused = -2;
   return units < 0 || units > std::numeric_limits<std::int32_t>::max() / 2 ? kRefused : units * 2;
+}
+
+// Decimals compare by value as far as their texts show it: both are brought to the one normal form
+// of a converter with default settings, so "1.50" equals "01.5" and "-0" equals "0".
+bool decimalsEqual(const ZanStringBase& left, const ZanStringBase& right) {
+  DataCnv converter;
+  ZanStringBase leftNormal;
+  ZanStringBase rightNormal;
+  converter.StrFromDec(left, leftNormal);
+  converter.StrFromDec(right, rightNormal);
+  return leftNormal == rightNormal;
 }
 
 }  // namespace
@@ -413,8 +425,9 @@ bool PWFData::operator==(const PWFData& other) const {
   // The null flag is not looked at again: two null numerics reach their getters and raise there.
   switch (type_) {
     case eString:
-    case eDecimal:
       return text_ == other.text_;
+    case eDecimal:
+      return decimalsEqual(text_, other.text_);
     case eInteger:
       return getInt64Value() == other.getInt64Value();
     case eFloat:

@@ -75,17 +75,6 @@ TEST(DataCnvStrToInt, CodePagePadCharacterIsOneByteOfTheCodePage) {
             42);
 }
 
-// The message number and the default trace text of each code the readers and writers raise.
-struct Code {
-  const char* symbol;
-  std::uint32_t messageNumber;
-  const char* traceText;
-};
-const Code kInternal{"CP_INTERNAL_ERROR", 0xC000157E, "CPI Internal Error"};
-const Code kInvalid{"CP_CONV_INPUT_DATA_INVALID", 0xC0001581, "CPI Converter Input Data Invalid"};
-const Code kBounds{"CP_CONV_INPUT_DATA_OUT_OF_BOUNDS", 0xC0001582,
-                   "CPI Converter Input Data Out Of Bounds"};
-
 TEST(DataCnvStrToInt, RefusesBadFieldsWithTheRunTimesTexts) {
   struct Case {
     int bits;

@@ -225,6 +225,92 @@ class DataCnv : public ZanOwnedLogSource {
   // The shortest decimal text of `value`, "-" before a negative one, as an eString value.
   PWFData StrFromInt64(std::int64_t value);
 
+  // --- numbers as plain text ---
+
+  // The shortest decimal digits that read back to `value`, into `out`. Not exponential: positional
+  // text that validateDecimal accepts ("0.1", "-2.5", "100", "0.0000001", 1e21 ->
+  // "1000000000000000000000"); exponential: the same digits as one digit, an optional fraction and
+  // an exponent of a sign and at least two digits ("1e-07", "-2.5e+00", "1.2345e+300"). Both zeros
+  // are written "0" ("0e+00"). NaN and infinities have no decimal text: CP_CONV_INPUT_DATA_INVALID
+  // with the inserts "double" and the value ("nan", "inf", "-inf"), `out` unchanged.
+  void doubleToUString(double value, ZanStringBase& out, bool exponential);
+  // Reads an optional sign ("+" or "-"), ASCII digits with at most one point and at least one digit
+  // (".5" and "5." are numbers) and an optional exponent ("e" or "E", an optional sign, digits),
+  // correctly rounded: "-1.5e3" -> -1500. Anything else, spaces, NaN, infinities and digits of
+  // other scripts included, raises CP_CONV_INPUT_DATA_INVALID; a magnitude beyond the largest
+  // double raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS; both with the inserts "double" and the text. A
+  // magnitude below the smallest subnormal reads as a zero of its sign ("1e-400" -> 0).
+  double PWFStringTodouble(const ZanStringBase& text);
+
+  // The normal form of a decimal text, the one that equality compares, into `out` (which may be
+  // `decimal` itself): the sign ("+" or "-") taken off, leading zeros and a fraction's trailing
+  // zeros dropped, "0" before a leading point, no trailing point, "0" for an empty result, and "-"
+  // put back only on a non-zero value ("-007.50" -> "-7.5", "-0.0" -> "0", ".5" -> "0.5", "+12" ->
+  // "12"). The text is not checked: other characters pass through as they are.
+  void StrFromDec(const ZanStringBase& decimal, ZanStringBase& out);
+
+  // --- binary as hexadecimal text ---
+
+  // Two upper-case hexadecimal digits a byte (0A FF -> "0AFF"), as an eString value; null `bytes`
+  // or a length of 0 give the empty string. A negative length, or one whose text would pass the
+  // largest string, raises CP_INTERNAL_ERROR ("Invalid input length: ", length).
+  PWFData StrFromBin(const unsigned char* bytes, std::int32_t length);
+  // `length` hexadecimal digits of either case, two a byte, as an eBinary value that owns a copy
+  // of the bytes ("0aFF" -> 0A FF); no text gives an empty binary, which is not null. An odd count
+  // or a unit that is not an ASCII hexadecimal digit raises CP_CONV_INPUT_DATA_INVALID (inserts
+  // "binary" and the text); a negative length CP_INTERNAL_ERROR ("Invalid input length: ",
+  // length), a null text of positive length CP_INTERNAL_ERROR ("Null input pointer").
+  PWFData StrToBin(const char16_t* text, std::int32_t length);
+
+  // --- the standard text form of values ---
+
+  // One text per logical type, as an eString value: a string as it is; an integer in decimal; a
+  // float in the canonical form of XML Schema ("1.5E2", "1.0E-1", "0.0E0", "INF", "-INF", "NaN");
+  // a decimal in its normal form; a binary in upper-case hexadecimal; a boolean "true" or "false";
+  // an interval as interval text; a date-time in ISO 8601 extended form from the fields that are
+  // set ("2004-02-29T13:05:09.123+01:00", "2004-02-29", "13:05:09Z"). A null value raises
+  // CP_INTERNAL_ERROR ("Should not call this method with null data"), a value of no convertible
+  // type "Should not call this method without a valid type".
+  PWFData StandardStrFromData(const PWFData& value);
+  // Reads `length` units (-1: up to the NUL) of the standard text of `type` back into a value;
+  // hexadecimal in either case, a boolean also as "1" or "0", a float also as "+INF" or any
+  // decimal or exponential text. Any failure inside becomes CP_INVALID_LOGICAL_STRING, whose
+  // inserts are the inner failure's trace text and inserts.
+  PWFData StandardStrToData(const char16_t* text, std::int32_t length, ELogicalType type);
+
+  // --- intervals as text: "P1Y2M", "-P3DT4H5M6.5S", "PT0S" ---
+
+  // Parses interval text: an optional "-", "P", then fields of digits each closed by its
+  // designator, "Y", "M", "D", "T", "H", "M", "S" with "." before a fraction of a second, in that
+  // order ("H" is accepted without "T"; "T" may repeat). A `length` of -1 reads up to the NUL, and
+  // a NUL ends the text early. Years and months exclude days and times. Raises
+  // CP_CONV_INPUT_DATA_INVALID (inserts "interval" and the text) for text that is not an interval
+  // or has designators out of order, CP_DURATION_RANGE_ERROR for a field of 2^31 or more (a
+  // fraction of ten digits or more counts as such), CP_DURATION_TOO_MANY_DAYS for 100,000,000
+  // days or more or a total beyond 64 bits of microseconds, CP_DURATION_COMBINATION_ERROR for
+  // years or months with days or times, and CP_INTERNAL_ERROR for a null `text` or a `length`
+  // below -1. A fraction finer than microseconds is cut to microseconds with a warning
+  // (0xC00015AC) in the log: "PT0.1234567S" -> 123,456 microseconds.
+  PWFInterval StrToInterval(const char16_t* text, std::int32_t length);
+  // Writes the shortest interval text ("PT0S" for zero, "P1DT1H1M1.5S" for 90,061,500,000
+  // microseconds), padded to `outLength` when `pad` (a longer text is not cut); `outLength` out:
+  // the units written. A negative field raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, a code-page pad
+  // character that is not one character of the code page CP_CONV_INVALID_PADDING.
+  void StrFromInterval(const PWFInterval& interval, ZanStringBase& out, std::int32_t& outLength,
+                       bool pad, EJustification justification, char16_t padChar, bool padIsUnicode);
+  // As above into a caller's buffer; `outLength` in: capacity, out: units written. A text longer
+  // than the capacity raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS (inserts "interval", "string (", the
+  // length, " characters)"), a null `out` CP_INTERNAL_ERROR; both leave buffer and length alone.
+  void StrFromInterval(const PWFInterval& interval, char16_t* out, std::int32_t& outLength,
+                       bool pad, EJustification justification, char16_t padChar, bool padIsUnicode);
+  // The unpadded text as an eString value.
+  PWFData StrFromInterval(const PWFInterval& interval);
+  // Appends the digits of one field; a fraction (microseconds below 1,000,000) is written as six
+  // digits without their trailing zeros (500000 -> "5", 120 -> "00012", 0 -> "0"). A negative
+  // value, or a fraction of 1,000,000 or more, raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS (inserts
+  // "interval" and the value).
+  void AppendIntervalField(std::int32_t value, ZanStringBase& out, bool isFraction);
+
  private:
   friend class DataCnvTestAccess;
 
@@ -297,6 +383,11 @@ class DataCnv : public ZanOwnedLogSource {
   void TrimFromDecimal(ZanStringBase& text);
   // Drops leading zeros, and trailing ones after a point: "0012.3400" -> "12.34", "0.50" -> ".5".
   void TrimNonSignificantZeros(ZanStringBase& text);
+
+  // The standard text form's readers for the types without a conversion of their own.
+  double canonicalDoubleValue(const ZanStringBase& text);
+  ZanStringBase standardDecimalText(const ZanStringBase& text);
+  bool standardBooleanValue(const ZanStringBase& text);
 
   std::int32_t ccsid_;
   std::int32_t formatterArg3_;

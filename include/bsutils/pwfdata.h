@@ -152,7 +152,8 @@ class PWFData {
   const char16_t* getDecimalValue() const;  // the decimal text's units, not NUL-terminated
   std::int32_t getDecimalLength() const;    // in units
 
-  // Equal types and null flags, then by type: text unit by unit; integers as 64 bits; floats
+  // Equal types and null flags, then by type: strings unit by unit; decimals by their normal form
+  // (DataCnv::StrFromDec: "1.50" equals "01.5", "-0" equals "0"); integers as 64 bits; floats
   // exactly; binaries byte by byte; booleans by their stored flags; date-times field by field;
   // intervals by the interval rule (see pwfdata.cpp). Two null integers, floats or booleans raise
   // the null failure of their getter. Nothing equals nothing.

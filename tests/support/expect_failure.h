@@ -49,4 +49,24 @@ void expectFailure(const std::function<void()>& operation, const std::string& sy
   }
 }
 
+// A failure code as the tests expect it, and the codes most conversions raise.
+struct Code {
+  const char* symbol;
+  std::uint32_t messageNumber;  // as the catalogue writes it
+  const char* traceText;        // the default one
+};
+inline const Code kInternal{"CP_INTERNAL_ERROR", 0xC000157E, "CPI Internal Error"};
+inline const Code kInvalid{"CP_CONV_INPUT_DATA_INVALID", 0xC0001581,
+                           "CPI Converter Input Data Invalid"};
+inline const Code kBounds{"CP_CONV_INPUT_DATA_OUT_OF_BOUNDS", 0xC0001582,
+                          "CPI Converter Input Data Out Of Bounds"};
+
+// A conversion failure of `code` raised by the converter object.
+inline void expectConversionFailure(const std::function<void()>& operation, const Code& code,
+                                    const std::string& function,
+                                    const std::vector<std::string>& inserts) {
+  expectFailure<ZanConversionException>(operation, code.symbol, code.messageNumber, code.traceText,
+                                        "datacnv", function, inserts);
+}
+
 #endif  // BSUTILS_TESTS_EXPECT_FAILURE_H

@@ -1,0 +1,140 @@
+// The standard text form of values: one text per logical type, read back to the same value.
+
+#include <bsutils/dataconv.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "support/expect_failure.h"
+
+namespace {
+
+PWFDateTime dateTime(std::int32_t era, std::int32_t year, std::int32_t month, std::int32_t day,
+                     std::int32_t hour, std::int32_t minute, std::int32_t second,
+                     std::int32_t subsecond, std::int32_t scale, std::int32_t timezone) {
+  return PWFDateTime{era, year, month, day, hour, minute, second, subsecond, scale, timezone, 0};
+}
+constexpr std::int32_t kNotSet = PWFDateTime::kNotSet;
+
+// Expected texts: XML Schema's canonical double, ISO 8601 extended date-times, upper-case hex.
+struct Case {
+  const char* name;
+  PWFData value;
+  const char* text;
+};
+
+std::vector<Case> standardCases() {
+  const unsigned char bytes[] = {0x0A, 0xFF, 0x00};
+  return {
+      {"string", PWFData(ZanStringBase(u"a b\u00E9")), "a b\xC3\xA9"},
+      {"integer", PWFData(std::int64_t{-9007199254740993}), "-9007199254740993"},
+      {"float", PWFData(150.0), "1.5E2"},
+      {"float fraction", PWFData(0.1), "1.0E-1"},
+      {"float zero", PWFData(0.0), "0.0E0"},
+      {"float negative small", PWFData(-2.5e-300), "-2.5E-300"},
+      {"float infinity", PWFData(-std::numeric_limits<double>::infinity()), "-INF"},
+      {"decimal", PWFData(u"-007.50", eDecimal), "-7.5"},
+      {"binary", PWFData(bytes, 3, eBinary, eCopy), "0AFF00"},
+      {"boolean", PWFData(true), "true"},
+      {"interval", PWFData(PWFInterval{0, 0, 90061500000, 1}), "-P1DT1H1M1.5S"},
+      {"date-time with zone", PWFData(dateTime(1, 2004, 2, 29, 13, 5, 9, 123, 3, 3600000)),
+       "2004-02-29T13:05:09.123+01:00"},
+      {"date only, UTC",
+       PWFData(dateTime(1, 2004, 2, 29, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, 0)),
+       "2004-02-29Z"},
+      {"time only, west of UTC",
+       PWFData(dateTime(kNotSet, kNotSet, kNotSet, kNotSet, 23, 59, 60, 0, 0, -19800000)),
+       "23:59:60-05:30"},
+      {"before the common era",
+       PWFData(dateTime(0, 2, 1, 1, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet)),
+       "-0001-01-01"},
+  };
+}
+
+TEST(DataCnvStandardText, WritesEachTypeAndReadsItBack) {
+  DataCnv cnv;
+  for (const Case& c : standardCases()) {
+    SCOPED_TRACE(c.name);
+    const PWFData text = cnv.StandardStrFromData(c.value);
+    ASSERT_EQ(text.getDataLogicalType(), eString);
+    EXPECT_EQ(text.getPWFStringValue().toUtf8(), c.text);
+    const ZanStringBase& units = text.getPWFStringValue();
+    EXPECT_TRUE(cnv.StandardStrToData(units.data(), units.length(), c.value.getDataLogicalType()) ==
+                c.value);
+  }
+  // NaN reads back as NaN, though it equals nothing.
+  const PWFData nan = cnv.StandardStrFromData(PWFData(std::numeric_limits<double>::quiet_NaN()));
+  EXPECT_EQ(nan.getPWFStringValue().toUtf8(), "NaN");
+  EXPECT_TRUE(std::isnan(cnv.StandardStrToData(u"NaN", 3, eFloat).getDoubleValue()));
+}
+
+TEST(DataCnvStandardText, ReadsTheOtherSpellingsOfEachType) {
+  DataCnv cnv;
+  EXPECT_EQ(cnv.StandardStrToData(u"0aff", -1, eBinary),
+            cnv.StandardStrToData(u"0AFF", -1, eBinary));
+  EXPECT_EQ(cnv.StandardStrToData(u"1", -1, eBoolean), PWFData(true));
+  EXPECT_EQ(cnv.StandardStrToData(u"0", -1, eBoolean), PWFData(false));
+  EXPECT_EQ(cnv.StandardStrToData(u"150", -1, eFloat), PWFData(150.0));
+  EXPECT_EQ(cnv.StandardStrToData(u"+INF", -1, eFloat),
+            PWFData(std::numeric_limits<double>::infinity()));
+  EXPECT_EQ(cnv.StandardStrToData(u"00012.50", -1, eDecimal), PWFData(u"12.5", eDecimal));
+}
+
+TEST(DataCnvStandardText, ReadFailuresBecomeInvalidLogicalString) {
+  struct Failure {
+    const char16_t* text;
+    ELogicalType type;
+    std::vector<std::string> inserts;  // the inner failure's trace text and inserts
+  };
+  const std::string invalid = "CPI Converter Input Data Invalid";
+  const Failure failures[] = {
+      {u"12a", eInteger, {invalid, "string", "12a"}},
+      {u"yes", eBoolean, {invalid, "boolean", "yes"}},
+      {u"1,5", eDecimal, {invalid, "decimal", "1,5"}},
+      {u"2004-13-01", eDateTime, {invalid, "date-time", "2004-13-01"}},
+      {u"2004-02-29T25:00:00", eDateTime, {invalid, "date-time", "2004-02-29T25:00:00"}},
+      {u"x", eNothing, {"CPI Internal Error", "Should not call this method without a valid type"}},
+  };
+  DataCnv cnv;
+  for (const Failure& f : failures) {
+    SCOPED_TRACE(ZanStringBase(f.text).toUtf8());
+    CapturingSink sink(3);
+    try {
+      cnv.StandardStrToData(f.text, -1, f.type);
+      ADD_FAILURE() << "no exception";
+    } catch (const ZanConversionException& failure) {
+      EXPECT_EQ(static_cast<std::uint32_t>(failure.messageNumber()), 0xC0001593u);
+      EXPECT_EQ(failure.traceText(),
+                "Exception caught trying to convert a logical string to a PWFData object");
+      EXPECT_EQ(failure.function(), "DataCnv::StandardStrToData");
+      EXPECT_EQ(failure.inserts(), f.inserts);
+      // The inner raise and the outer one are both traced.
+      const auto traces = sink.ofKind(ZanLog::Kind::trace);
+      ASSERT_EQ(traces.size(), 2u);
+      EXPECT_EQ(traces.back().inserts[2], "CP_INVALID_LOGICAL_STRING");
+    }
+  }
+}
+
+TEST(DataCnvStandardText, WriteRefusesNullsAndValuesWithoutAType) {
+  DataCnv cnv;
+  const auto refuses = [&](const PWFData& value, const char* insert) {
+    expectFailure<ZanConversionException>([&] { cnv.StandardStrFromData(value); },
+                                          "CP_INTERNAL_ERROR", 0xC000157E, "CPI Internal Error",
+                                          "datacnv", "DataCnv::StandardStrFromData", {insert});
+  };
+  refuses(PWFData(eFloat), "Should not call this method with null data");
+  refuses(PWFData(), "Should not call this method without a valid type");
+  expectFailure<ZanConversionException>(
+      [&] {
+        cnv.StandardStrFromData(
+            PWFData(PWFDateTime{kNotSet, kNotSet, 1, 1, kNotSet, 0, 0, 0, 0, 0, 0}));
+      },
+      "CP_CONV_INPUT_DATA_INVALID", 0xC0001581, "CPI Converter Input Data Invalid", "datacnv",
+      "DataCnv::StandardStrFromData", {"date-time"});
+}
+
+}  // namespace
