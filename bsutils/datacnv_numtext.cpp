@@ -49,8 +49,8 @@ std::optional<DoubleText> scanDoubleText(const ZanStringBase& text) {
   const auto take = [&] { scanned.magnitude.push_back(static_cast<char>(text[i++])); };
 
   std::int64_t integerDigits = 0;  // from the first non-zero digit on
-  std::int64_t fractionZeros =
-      0;  // before the first non-zero digit, when the integer part has none
+  // Zeros before the first non-zero digit, when the integer part has none.
+  std::int64_t fractionZeros = 0;
   bool anyDigit = false;
   bool nonZeroSeen = false;
   for (; i < length && isAsciiDigit(text[i]); take()) {
