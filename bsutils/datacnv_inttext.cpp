@@ -16,33 +16,27 @@ namespace {
 
 // What differs between the 4- and 8-byte readers: their texts and their limits.
 struct IntegerFieldRules {
-  const char* function;
-  const char* nullTextMessage;
-  const char* nullSignMessage;
-  const char* negativeLengthText;
-  bool embeddedSignsAllowed;
+  FieldReaderRules field;
   std::int32_t maxDigits;
   const char16_t* negativeLimit;  // maxDigits digits
   const char16_t* positiveLimit;
 };
 
-constexpr IntegerFieldRules kInt32Rules{"DataCnv::StrToInt32",
-                                        "Null input pointer passed into DataCnv::StrToInt32",
-                                        "Null sign string pointer passed into DataCnv::StrToInt32",
-                                        "Tried to convert a zero length string to a integer",
-                                        true,
-                                        10,
-                                        u"2147483648",
-                                        u"2147483647"};
+constexpr IntegerFieldRules kInt32Rules{
+    {"DataCnv::StrToInt32", "Null input pointer passed into DataCnv::StrToInt32",
+     "Null sign string pointer passed into DataCnv::StrToInt32",
+     "Tried to convert a zero length string to a integer", "integer", true},
+    10,
+    u"2147483648",
+    u"2147483647"};
 
-constexpr IntegerFieldRules kInt64Rules{"DataCnv::StrToInt64",
-                                        "Null input pointer passed into DataCnv::StrToInt64",
-                                        "Null sign string pointer",
-                                        "Tried to convert a zero length string to an integer",
-                                        false,
-                                        19,
-                                        u"9223372036854775808",
-                                        u"9223372036854775807"};
+constexpr IntegerFieldRules kInt64Rules{
+    {"DataCnv::StrToInt64", "Null input pointer passed into DataCnv::StrToInt64",
+     "Null sign string pointer", "Tried to convert a zero length string to an integer", "integer",
+     false},
+    19,
+    u"9223372036854775808",
+    u"9223372036854775807"};
 
 template <class Integer>
 constexpr const IntegerFieldRules& integerFieldRules() {
@@ -57,31 +51,11 @@ Integer DataCnv::integerFromField(const char16_t* text, std::int32_t length, ESi
                                   EJustification justification, char16_t padChar,
                                   bool padIsUnicode) {
   const IntegerFieldRules& rules = integerFieldRules<Integer>();
-  if (!rules.embeddedSignsAllowed &&
-      (sign == eLeadingEmbeddedSign || sign == eTrailingEmbeddedSign)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, rules.function, this, nullptr,
-             "Sign type invalid for context: ", static_cast<std::int32_t>(sign));
-  }
-  if (text == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, rules.function, this, nullptr,
-             rules.nullTextMessage);
-  }
-  // Only a negative length is refused; the runtime's message speaks of a zero length.
-  if (length < 0) {
-    CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, rules.function, this,
-             rules.negativeLengthText, "integer");
-  }
-  if (minus == nullptr || plus == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, rules.function, this, nullptr,
-             rules.nullSignMessage);
-  }
-
-  const ZanStringBase field(text, length);
-  ZanStringBase digits = field;
-  if (!padIsUnicode) padChar = codePageCharToUnicode(rules.function, padChar, 1);
-  TrimData(digits, trimType, justification, padChar, true);
+  const char* const function = rules.field.function;
+  ZanStringBase digits;
+  const bool negative = signedFieldNumber(rules.field, text, length, sign, minus, plus, trimType,
+                                          justification, padChar, padIsUnicode, digits);
   if (digits.isEmpty()) return 0;
-  const bool negative = CheckSign(digits, sign, minus, plus);
 
   // Digits of any script are accepted; each is taken by its value, so the range check and the
   // arithmetic below see "0".."9" only.
@@ -89,8 +63,8 @@ Integer DataCnv::integerFromField(const char16_t* text, std::int32_t length, ESi
   plain.reserve(digits.length());
   for (std::int32_t i = 0; i < digits.length(); ++i) {
     if (!u_isdigit(digits[i])) {
-      CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, rules.function, this, nullptr, "string",
-               field);
+      CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, function, this, nullptr, "string",
+               ZanStringBase(text, length));
     }
     plain.append(static_cast<char16_t>(u'0' + u_charDigitValue(digits[i])));
   }
@@ -102,11 +76,10 @@ Integer DataCnv::integerFromField(const char16_t* text, std::int32_t length, ESi
        plain > ZanStringBase(negative ? rules.negativeLimit : rules.positiveLimit));
   if (outOfRange) {
     if constexpr (sizeof(Integer) == 4) {
-      CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, rules.function, this, nullptr,
-               "string");
+      CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, function, this, nullptr, "string");
     } else {
-      CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, rules.function, this, nullptr,
-               "string", "8-byte integer");
+      CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, function, this, nullptr, "string",
+               "8-byte integer");
     }
   }
 
@@ -184,54 +157,12 @@ ZanStringBase DataCnv::integerField(const char* function, const char* integerKin
                                     const char16_t* minus, const char16_t* plus, bool pad,
                                     EJustification justification, char16_t padChar,
                                     bool padIsUnicode) {
-  if (capacity < 1) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, this, nullptr,
-             "Invalid output buffer length: ", capacity);
-  }
-  if (minus == nullptr || plus == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, this, nullptr,
-             "Null sign string pointer");
-  }
-  // Embedded signs are written only by the zoned-decimal conversions.
-  if (sign == eLeadingEmbeddedSign || sign == eTrailingEmbeddedSign) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, this, nullptr,
-             "Sign type invalid for context: ", static_cast<std::int32_t>(sign));
-  }
-  if (sign < eNoSign || sign > eTrailingSeparateSign) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, this, nullptr,
-             "Invalid sign type: ", static_cast<std::int32_t>(sign));
-  }
-
-  ZanStringBase text;
-  Int64ToUString(value, text);
-  if (value < 0 && sign == eNoSign) {
-    CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, function, this, nullptr, integerKind,
-             "string (no sign)");
-  }
-  const bool negative =
-      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
-
-  // A digit pad character goes between the sign and the digits, so that "-00042" reads back;
-  // any other goes outside the sign.
-  if (pad) {
-    if (!padIsUnicode) padChar = codePageCharToUnicode(function, padChar, 1);
-    if (ZanUtility::checkCharacter(padChar, 1)) {
-      PadData(text, capacity - text.length() - (negative ? US_MINUS.length() : 0), justification,
-              padChar, true);
-      pad = false;
-    }
-  }
-  if (negative) {
-    text.insert(0, US_MINUS);
-    SubstituteMinusSign(text, sign, minus, false);
-  }
-  if (pad) PadData(text, capacity - text.length(), justification, padChar, true);
-
-  if (text.length() > capacity) {
-    CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, function, this, nullptr, "integer",
-             "string (", text.length(), " characters)");
-  }
-  return text;
+  checkFieldWriterArguments(function, capacity, sign, minus, plus);
+  ZanStringBase magnitude;
+  Int64ToUString(value, magnitude);
+  if (value < 0) magnitude.erase(0, 1);
+  return signedField(function, integerKind, "integer", magnitude, value < 0, capacity, sign, minus,
+                     pad, justification, padChar, padIsUnicode);
 }
 
 void DataCnv::integerFieldToBuffer(const char* function, const char* integerKind,
@@ -239,14 +170,10 @@ void DataCnv::integerFieldToBuffer(const char* function, const char* integerKind
                                    ESign sign, const char16_t* minus, const char16_t* plus,
                                    bool pad, EJustification justification, char16_t padChar,
                                    bool padIsUnicode) {
-  if (out == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, this, nullptr,
-             "Null output buffer pointer");
-  }
-  const ZanStringBase text = integerField(function, integerKind, value, outLength, sign, minus,
-                                          plus, pad, justification, padChar, padIsUnicode);
-  std::copy_n(text.data(), text.length(), out);
-  outLength = text.length();
+  requireOutputBuffer(function, out);
+  storeField(integerField(function, integerKind, value, outLength, sign, minus, plus, pad,
+                          justification, padChar, padIsUnicode),
+             out, outLength);
 }
 
 void DataCnv::StrFromInt32(std::int32_t value, char16_t* out, std::int32_t& outLength, ESign sign,

@@ -13,80 +13,12 @@
 #include "cpdebugtrace.h"
 #include "cpraise.h"
 #include "datacnvprivate.h"
+#include "numberscan.h"
 
 namespace {
 
-// The longest positional text of a double: a sign, "0.", the 323 zeros before the only digit of
-// the smallest subnormal, with room for 17 significant digits besides.
-constexpr std::size_t kDoubleTextCapacity = 1 + 2 + 323 + 17;
-
-// Exponents are read up to this magnitude and held there beyond it: every non-zero digit string is
-// then far outside the double range either way, and the sums below cannot overflow.
-constexpr std::int64_t kExponentCap = 1'000'000'000;
-
-bool isAsciiDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
-
-// The parts of a number text that the conversion needs.
-struct DoubleText {
-  bool negative = false;
-  std::string magnitude;  // the unsigned text, ASCII, as std::from_chars reads it
-  // The decimal exponent of the first non-zero digit ("0.05" -> -2, "120" -> 2); meaningful only
-  // when there is one. It tells an overflow from an underflow.
-  std::int64_t leadingExponent = 0;
-};
-
-// Sign, digits with at most one point and at least one digit, then an optional exponent with at
-// least one digit; ASCII only, nothing around it. Empty when the text is anything else.
-std::optional<DoubleText> scanDoubleText(const ZanStringBase& text) {
-  DoubleText scanned;
-  const std::int32_t length = text.length();
-  std::int32_t i = 0;
-  if (i < length && (text[i] == u'+' || text[i] == u'-')) {
-    scanned.negative = text[i] == u'-';
-    ++i;
-  }
-  scanned.magnitude.reserve(static_cast<std::size_t>(length - i));
-  const auto take = [&] { scanned.magnitude.push_back(static_cast<char>(text[i++])); };
-
-  std::int64_t integerDigits = 0;  // from the first non-zero digit on
-  // Zeros before the first non-zero digit, when the integer part has none.
-  std::int64_t fractionZeros = 0;
-  bool anyDigit = false;
-  bool nonZeroSeen = false;
-  for (; i < length && isAsciiDigit(text[i]); take()) {
-    anyDigit = true;
-    nonZeroSeen = nonZeroSeen || text[i] != u'0';
-    if (nonZeroSeen) ++integerDigits;
-  }
-  if (i < length && text[i] == u'.') {
-    for (take(); i < length && isAsciiDigit(text[i]); take()) {
-      anyDigit = true;
-      if (!nonZeroSeen && text[i] == u'0') ++fractionZeros;
-      nonZeroSeen = nonZeroSeen || text[i] != u'0';
-    }
-  }
-  if (!anyDigit) return std::nullopt;
-
-  std::int64_t exponent = 0;
-  if (i < length && (text[i] == u'e' || text[i] == u'E')) {
-    take();
-    bool negativeExponent = false;
-    if (i < length && (text[i] == u'+' || text[i] == u'-')) {
-      negativeExponent = text[i] == u'-';
-      take();
-    }
-    if (i == length || !isAsciiDigit(text[i])) return std::nullopt;
-    for (; i < length && isAsciiDigit(text[i]); take()) {
-      if (exponent < kExponentCap) exponent = exponent * 10 + (text[i] - u'0');
-    }
-    if (negativeExponent) exponent = -exponent;
-  }
-  if (i != length) return std::nullopt;
-
-  scanned.leadingExponent =
-      (integerDigits > 0 ? integerDigits - 1 : -(fractionZeros + 1)) + exponent;
-  return scanned;
-}
+// Room for the scientific text of any double: "-1.7976931348623157e+308".
+constexpr std::size_t kScientificCapacity = 32;
 
 }  // namespace
 
@@ -98,40 +30,34 @@ void DataCnv::doubleToUString(double value, ZanStringBase& out, bool exponential
   }
   // Both zeros are written as zero: a decimal has no negative zero.
   if (value == 0.0) value = 0.0;
-  // Without a precision, std::to_chars writes the shortest digits that read back exactly, in the
-  // form asked for: positional ("0.0000001") or scientific with a signed exponent of at least two
-  // digits ("1e-07"). The capacity holds every finite double, so the call cannot fail.
-  char units[kDoubleTextCapacity];
+  // Without a precision, std::to_chars writes the shortest digits that read back exactly, here in
+  // scientific form with a signed exponent of at least two digits ("1e-07"). Its fixed form would
+  // not do for positional text: it writes every digit of a large double's binary value
+  // ("1.5e300" has 301 of them, mostly noise), so the point of the short form is moved instead.
+  char units[kScientificCapacity];
   const std::to_chars_result written =
-      std::to_chars(units, units + sizeof units, value,
-                    exponential ? std::chars_format::scientific : std::chars_format::fixed);
-  out = ZanStringBase::fromUtf8(
+      std::to_chars(units, units + sizeof units, value, std::chars_format::scientific);
+  const ZanStringBase scientific = ZanStringBase::fromUtf8(
       std::string_view(units, static_cast<std::size_t>(written.ptr - units)));
+  out = exponential ? scientific
+                    : decimalFromNumber(kFunction, "double",
+                                        scanNumber(scientific, NumberGrammar{}), 0, scientific);
   trace.result(out);
 }
 
 double DataCnv::PWFStringTodouble(const ZanStringBase& text) {
   constexpr const char* kFunction = "DataCnv::PWFStringTodouble";
   CpDebugTrace trace(kFunction, text);
-  const std::optional<DoubleText> scanned = scanDoubleText(text);
-  if (!scanned) {
+  const ScannedNumber scanned = scanNumber(text, NumberGrammar{});
+  if (scanned.malformed) {
     CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kFunction, this, nullptr, "double", text);
   }
-  // std::from_chars rounds correctly, and takes no "+": the sign was taken off by the scan.
-  const std::string& magnitude = scanned->magnitude;
-  double value = 0.0;
-  const std::errc error =
-      std::from_chars(magnitude.data(), magnitude.data() + magnitude.size(), value).ec;
-  if (error == std::errc::result_out_of_range) {
-    // Out of range both ways: a value of 1 or more overflowed; anything smaller rounds to zero,
-    // which is its correctly rounded value ("1e-400" -> 0, "-1e-400" -> -0).
-    if (scanned->leadingExponent >= 0) {
-      CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, kFunction, this, nullptr, "double",
-               text);
-    }
-    value = 0.0;
+  const std::optional<double> value = roundedMagnitude(scanned, 0);
+  if (!value) {
+    CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, kFunction, this, nullptr, "double",
+             text);
   }
-  return trace.result(scanned->negative ? -value : value);
+  return trace.result(scanned.negative ? -*value : *value);
 }
 
 void DataCnv::StrFromDec(const ZanStringBase& decimal, ZanStringBase& out) {

@@ -13,6 +13,7 @@
 #include "cpraise.h"
 #include "datacnvprivate.h"
 #include "isodatetime.h"
+#include "numberscan.h"
 
 namespace {
 
@@ -53,20 +54,8 @@ double DataCnv::canonicalDoubleValue(const ZanStringBase& text) {
 
 ZanStringBase DataCnv::standardDecimalText(const ZanStringBase& text) {
   // A sign, then digits with at most one point: no grouping, no exponent.
-  std::int32_t digits = 0;
-  bool point = false;
-  for (std::int32_t i = 0; i < text.length(); ++i) {
-    const char16_t unit = text[i];
-    if (unit >= u'0' && unit <= u'9') {
-      ++digits;
-    } else if (unit == u'.' && !point) {
-      point = true;
-    } else if (i != 0 || (unit != u'-' && unit != u'+')) {
-      digits = 0;
-      break;
-    }
-  }
-  if (digits == 0) {
+  const ScannedNumber scanned = scanNumber(text, NumberGrammar{});
+  if (scanned.malformed || scanned.hasExponent) {
     CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kToFunction, this, nullptr, "decimal",
              text);
   }

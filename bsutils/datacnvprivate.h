@@ -4,11 +4,23 @@
 // What DataCnv's sources share. Its members are spread over one source per family; trace and
 // exceptions name them all by the one module.
 
+#include <bsutils/dataconv.h>
+
 #include <cstdint>
 
 inline constexpr const char* kDataCnvModule = "datacnv";
 
 // Room for the bytes of any one character in any code page, shift bytes included.
 inline constexpr std::int32_t kCharBytesCapacity = 32;
+
+// What differs between the text field readers besides their values.
+struct FieldReaderRules {
+  const char* function;
+  const char* nullTextMessage;
+  const char* nullSignMessage;
+  const char* negativeLengthText;
+  const char* valueKind;  // the insert of the negative-length failure
+  bool embeddedSignsAllowed;
+};
 
 #endif  // BSUTILS_DATACNVPRIVATE_H

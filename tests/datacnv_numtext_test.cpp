@@ -52,6 +52,8 @@ TEST(DataCnvNumText, WritesShortestPlainAndScientificText) {
   EXPECT_EQ(text(cnv, DBL_MAX, true), "1.7976931348623157e+308");
   EXPECT_EQ(text(cnv, DBL_TRUE_MIN, false), "0." + std::string(323, '0') + "5");
   EXPECT_EQ(text(cnv, DBL_TRUE_MIN, true), "5e-324");
+  // A large double that is not a whole power of ten keeps its short digits, not its binary noise.
+  EXPECT_EQ(text(cnv, 1.5e300, false), "15" + std::string(299, '0'));
 }
 
 TEST(DataCnvNumText, NonFiniteDoublesHaveNoText) {

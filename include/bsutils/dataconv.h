@@ -21,6 +21,7 @@
 
 #include <bsutils/cpunicodeconverter.h>
 #include <bsutils/encoding.h>
+#include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>
 #include <unicode/utypes.h>
 #include <zan/zanlogsource.h>
@@ -32,6 +33,9 @@
 U_NAMESPACE_BEGIN
 class DecimalFormat;
 U_NAMESPACE_END
+
+struct FieldReaderRules;
+struct ScannedNumber;
 
 class DataCnv : public ZanOwnedLogSource {
  public:
@@ -225,6 +229,68 @@ class DataCnv : public ZanOwnedLogSource {
   // The shortest decimal text of `value`, "-" before a negative one, as an eString value.
   PWFData StrFromInt64(std::int64_t value);
 
+  // --- float and decimal text fields ---
+
+  // Read and write numbers in text fields with the conventions of the integer fields (trim type,
+  // justification, pad character, sign style 0, 3 or 4 with custom minus and plus strings, a digit
+  // pad character between sign and digits) and the number text that `format` describes (see
+  // NumericTextFormat). Digits of any script are read by their value; the point is the format's.
+  // The argument faults are those of the integer fields with the function's own name ("Null input
+  // pointer passed into DataCnv::StrToDbl", "Null sign string pointer", "Sign type invalid for
+  // context: " for the embedded styles, which only zoned decimals have), and a format out of range
+  // raises CP_INTERNAL_ERROR ("Invalid numeric form: ", "Invalid decimal places: ", "Invalid
+  // decimal point: ").
+
+  // Reads a double. An empty field (after trimming and the sign) reads as 0. Raises
+  // CP_CONV_INPUT_DATA_INVALID for a negative length (trace text "Tried to convert a zero length
+  // string to a double", insert "double") and for text that is not a number (inserts "double" and
+  // the field); CP_CONV_INPUT_DATA_OUT_OF_BOUNDS (same inserts) beyond the double range; a value
+  // below it reads as a zero of its sign. With strict checking, in this order:
+  //   CP_NUMERIC_STRICT_ZERO_LENGTH        nothing but padding and sign;
+  //   CP_NUMERIC_STRICT_DECIMAL_POINT      "." or "," that is not the format's point;
+  //   CP_NUMERIC_STRICT_INTEGER_DIGIT      no digit before the point (".5");
+  //   CP_NUMERIC_STRICT_VDP_HAS_DECIMAL    a point in the virtual-point form;
+  //   CP_NUMERIC_STRICT_NO_DECIMAL_POINT   no point in the explicit-point form;
+  //   CP_NUMERIC_STRICT_ENDS_DECIMAL_POINT no digit after the point ("5.", "5.e3") in other forms;
+  //   CP_NUMERIC_STRICT_NON_EXPONENTIAL    an exponent outside the exponential form;
+  //   CP_NUMERIC_STRICT_EXPONENTIAL        no exponent in the exponential form;
+  //   CP_NUMERIC_STRICT_INCORRECT_DEC_PLACES other than `decimalPlaces` digits after the point in
+  //                                        the explicit-point form;
+  // each with its own trace text and the field as insert.
+  //   "  -1,25 ", style 3, eTrimWhiteSpace, point "," -> -1.25
+  //   "1250", eVirtualDecimalPoint, 2 places -> 12.5
+  double StrToDbl(const char16_t* text, std::int32_t length, ESign sign, const char16_t* minus,
+                  const char16_t* plus, ETrimType trimType, EJustification justification,
+                  char16_t padChar, bool padIsUnicode,
+                  const NumericTextFormat& format = NumericTextFormat());
+  // Reads a decimal, exactly, as StrToDbl reads a double (the kind in its failures is "decimal"),
+  // into an eDecimal value: "-", the digits with their point moved by the exponent and the virtual
+  // places, leading zeros dropped, trailing fraction zeros kept ("-0012.50" -> "-12.50", "1.5e3"
+  // -> "1500", ".5" -> "0.5"); a zero has no sign. A value whose first significant digit lies
+  // beyond ten to the plus or minus 1000 raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS.
+  PWFData StrToDec(const char16_t* text, std::int32_t length, ESign sign, const char16_t* minus,
+                   const char16_t* plus, ETrimType trimType, EJustification justification,
+                   char16_t padChar, bool padIsUnicode,
+                   const NumericTextFormat& format = NumericTextFormat());
+  // Writes `value` as the format says into `out`, as StrFromInt32 writes an integer (`outLength`
+  // in: the capacity, out: the units written; a negative value needs a sign style; a text longer
+  // than the capacity raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS with the inserts "double" and
+  // "string (", length, " characters)"). The digits are the shortest that read back to `value`,
+  // rounded half to even where the form fixes the places. A value that rounds to zero has no
+  // sign. NaN and infinities raise CP_CONV_INPUT_DATA_INVALID (inserts "double" and the value).
+  //   -2.5, capacity 8, style 3, "-", pad "0", right, explicit 2 places, point "," -> "-0002,50"
+  void StrFromDbl(double value, char16_t* out, std::int32_t& outLength, ESign sign,
+                  const char16_t* minus, const char16_t* plus, bool pad,
+                  EJustification justification, char16_t padChar, bool padIsUnicode,
+                  const NumericTextFormat& format = NumericTextFormat());
+  // As StrFromDbl for decimal text (a sign, digits with at most one ".", an optional exponent:
+  // anything else raises CP_CONV_INPUT_DATA_INVALID with the inserts "decimal" and the text),
+  // never through a double; the plain form writes the normal form below.
+  void StrFromDec(const ZanStringBase& decimal, char16_t* out, std::int32_t& outLength, ESign sign,
+                  const char16_t* minus, const char16_t* plus, bool pad,
+                  EJustification justification, char16_t padChar, bool padIsUnicode,
+                  const NumericTextFormat& format = NumericTextFormat());
+
   // --- numbers as plain text ---
 
   // The shortest decimal digits that read back to `value`, into `out`. Not exponential: positional
@@ -350,6 +416,28 @@ class DataCnv : public ZanOwnedLogSource {
   void SubstituteMinusSign(ZanStringBase& text, ESign sign, const char16_t* minus,
                            bool noStandardMinus);
 
+  // --- what the text field readers and writers share ---
+
+  // Checks a reader's arguments (`rules` has its texts), trims the field and takes its sign off
+  // into `number`; returns whether the sign was a minus. `number` is empty when the field held
+  // nothing else.
+  bool signedFieldNumber(const FieldReaderRules& rules, const char16_t* text, std::int32_t length,
+                         ESign sign, const char16_t* minus, const char16_t* plus,
+                         ETrimType trimType, EJustification justification, char16_t padChar,
+                         bool padIsUnicode, ZanStringBase& number);
+  // A writer's checks: the capacity, the sign strings and the sign style (0, 3 or 4).
+  void checkFieldWriterArguments(const char* function, std::int32_t capacity, ESign sign,
+                                 const char16_t* minus, const char16_t* plus);
+  // Puts the sign and the padding around unsigned number text. A negative value without a sign
+  // style raises CP_CONV_INPUT_DATA_OUT_OF_BOUNDS (inserts `noSignKind`, "string (no sign)"), a
+  // text longer than `capacity` the same (inserts `fieldKind`, "string (", length, " characters)").
+  ZanStringBase signedField(const char* function, const char* noSignKind, const char* fieldKind,
+                            ZanStringBase text, bool negative, std::int32_t capacity, ESign sign,
+                            const char16_t* minus, bool pad, EJustification justification,
+                            char16_t padChar, bool padIsUnicode);
+  void requireOutputBuffer(const char* function, const char16_t* out);
+  static void storeField(const ZanStringBase& text, char16_t* out, std::int32_t& outLength);
+
   void Int64ToUString(std::int64_t value, ZanStringBase& out);
   std::int64_t UStringToInt64(const ZanStringBase& text);
   // The text of an integer field and the checks of the writers; `function` and `integerKind`
@@ -384,6 +472,27 @@ class DataCnv : public ZanOwnedLogSource {
   // Drops leading zeros, and trailing ones after a point: "0012.3400" -> "12.34", "0.50" -> ".5".
   void TrimNonSignificantZeros(ZanStringBase& text);
 
+  // Float and decimal fields: the number of a field under `format`, strict checks included, into
+  // `number`; false for a field with nothing in it, which only a lenient reader accepts.
+  bool numberFromField(const FieldReaderRules& rules, const char16_t* text, std::int32_t length,
+                       ESign sign, const char16_t* minus, const char16_t* plus, ETrimType trimType,
+                       EJustification justification, char16_t padChar, bool padIsUnicode,
+                       const NumericTextFormat& format, ScannedNumber& number);
+  // The decimal text of `number` times ten to `shift` (see StrToDec); `source` and `kind` are the
+  // inserts of the out-of-bounds failure.
+  ZanStringBase decimalFromNumber(const char* function, const char* kind,
+                                  const ScannedNumber& number, std::int64_t shift,
+                                  const ZanStringBase& source);
+  // The field text of a decimal in normal form (see StrFromDec), by the format.
+  ZanStringBase numberField(const char* function, const char* kind,
+                            const ZanStringBase& normalDecimal, std::int32_t capacity, ESign sign,
+                            const char16_t* minus, bool pad, EJustification justification,
+                            char16_t padChar, bool padIsUnicode, const NumericTextFormat& format);
+  // Unsigned decimal text rounded half to even, through the decimal formatter, to `digits`
+  // fraction digits or, when `significant`, significant digits ("0.000124" for 0.00012355 and 3).
+  ZanStringBase roundHalfEven(const ZanStringBase& magnitude, std::int32_t digits,
+                              bool significant);
+
   // The standard text form's readers for the types without a conversion of their own.
   double canonicalDoubleValue(const ZanStringBase& text);
   ZanStringBase standardDecimalText(const ZanStringBase& text);
@@ -401,6 +510,10 @@ class DataCnv : public ZanOwnedLogSource {
   std::unique_ptr<CPUnicodeConverter> converter_;
   std::unique_ptr<CPUnicodeConverter> localConverter_;
   std::unique_ptr<icu::DecimalFormat> decimalFormatter_;
+  // The rounding the decimal formatter is set to, so that a run of fields with the same places
+  // sets it once: digits, or -1 before the first use.
+  std::int32_t formatterDigits_ = -1;
+  bool formatterSignificant_ = false;
 };
 
 #endif  // BSUTILS_DATACONV_H
