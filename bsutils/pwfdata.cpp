@@ -420,6 +420,21 @@ std::int32_t PWFData::getDecimalLength() const {
   return trace.result(text_.length());
 }
 
+PWFData PWFData::getDebugString() const {
+  // Built once and shared: each copy is a reference to the same text.
+  static const PWFData kInvalid(ZanStringBase::fromLiteral(u"INVALID"));
+  static const PWFData kNull(ZanStringBase::fromLiteral(u"NULL"));
+  static const PWFData kNothing(ZanStringBase::fromLiteral(u"NOTHING"));
+  if (isNothing()) return kNothing;
+  if (isNull()) return kNull;
+  try {
+    return DataCnv().StandardStrFromData(*this);
+  } catch (...) {
+    // A diagnostic must not fail the caller it describes.
+    return kInvalid;
+  }
+}
+
 bool PWFData::operator==(const PWFData& other) const {
   if (type_ != other.type_ || null_ != other.null_) return false;
   // The null flag is not looked at again: two null numerics reach their getters and raise there.

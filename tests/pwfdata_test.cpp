@@ -366,3 +366,27 @@ TEST(PWFData, TwoNullNumericsRaiseWhenCompared) {
 }
 
 }  // namespace
+
+TEST(PWFDataDebugString, NamesNothingNullAndFailuresElseGivesTheStandardText) {
+  struct Case {
+    const char* name;
+    PWFData value;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"nothing", PWFData(), "NOTHING"},
+      {"null float", PWFData(eFloat), "NULL"},
+      {"null string", PWFData(eString), "NULL"},
+      {"decimal in normal form", PWFData(u"-007.50", eDecimal), "-7.5"},
+      {"float", PWFData(150.0), "1.5E2"},
+      {"boolean", PWFData(true), "true"},
+      {"binary", PWFData("\x0a\xff", 2, eBinary, eCopy), "0AFF"},
+      {"a type with no value", PWFData("xyz", 3, static_cast<ELogicalType>(8), eCopy), "INVALID"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const PWFData text = c.value.getDebugString();
+    EXPECT_EQ(text.getDataLogicalType(), eString);
+    EXPECT_EQ(ZanStringBase(text.getStringValue(), text.getStringLength()).toUtf8(), c.expected);
+  }
+}

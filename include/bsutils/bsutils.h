@@ -13,6 +13,7 @@
 #include <bsutils/dataconv.h>
 #include <bsutils/encoding.h>
 #include <bsutils/messageinfo.h>
+#include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>
 #include <bsutils/workerinfo.h>
 #include <zan/zanexception.h>

@@ -152,6 +152,11 @@ class PWFData {
   const char16_t* getDecimalValue() const;  // the decimal text's units, not NUL-terminated
   std::int32_t getDecimalLength() const;    // in units
 
+  // The value for trace and diagnostics, as an eString value: "NOTHING" for nothing, "NULL" for a
+  // null of any type, else its standard text form (DataCnv::StandardStrFromData), and "INVALID"
+  // when that fails (a type with no value). Never throws.
+  PWFData getDebugString() const;
+
   // Equal types and null flags, then by type: strings unit by unit; decimals by their normal form
   // (DataCnv::StrFromDec: "1.50" equals "01.5", "-0" equals "0"); integers as 64 bits; floats
   // exactly; binaries byte by byte; booleans by their stored flags; date-times field by field;
