@@ -3,8 +3,10 @@
 #include <bsutils/dataconv.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -69,6 +71,40 @@ TEST(DataCnvStandardText, WritesEachTypeAndReadsItBack) {
   const PWFData nan = cnv.StandardStrFromData(PWFData(std::numeric_limits<double>::quiet_NaN()));
   EXPECT_EQ(nan.getPWFStringValue().toUtf8(), "NaN");
   EXPECT_TRUE(std::isnan(cnv.StandardStrToData(u"NaN", 3, eFloat).getDoubleValue()));
+}
+
+TEST(DataCnvStandardText, RandomValuesOfEveryTypeReadBack) {
+  std::mt19937_64 random(20261121);  // fixed, so that a failure can be replayed
+  const auto below = [&](std::uint64_t limit) { return static_cast<std::int32_t>(random() % limit); };
+  DataCnv cnv;
+  for (int i = 0; i < 500; ++i) {
+    const double bits = std::bit_cast<double>(random());
+    unsigned char bytes[8];
+    for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
+    std::string decimal = std::to_string(random() % 1000000000000ULL);
+    decimal.insert(decimal.size() - std::min<std::size_t>(decimal.size(), below(8)), ".");
+    const std::int32_t zone = below(2) ? kNotSet : (below(57) - 28) * 15 * 60000;
+    const PWFData values[] = {
+        PWFData(static_cast<std::int64_t>(random())),
+        PWFData(std::isnan(bits) ? 0.0 : bits),
+        PWFData(ZanStringBase::fromUtf8((below(2) ? "-" : "") + decimal).terminatedData(),
+                eDecimal),
+        PWFData(bytes, below(9), eBinary, eCopy),
+        PWFData(below(2) == 1),
+        PWFData(PWFInterval{0, 0, static_cast<std::int64_t>(random() % 8640000000000000ULL),
+                            below(2)}),
+        PWFData(PWFInterval{below(10000), below(12), 0, below(2)}),
+        PWFData(dateTime(1, 1 + below(9999), 1 + below(12), 1 + below(28), below(24), below(60),
+                         below(60), below(1000), 3, zone)),
+    };
+    for (const PWFData& value : values) {
+      const PWFData standard = cnv.StandardStrFromData(value);
+      const ZanStringBase& text = standard.getPWFStringValue();
+      ASSERT_TRUE(cnv.StandardStrToData(text.data(), text.length(), value.getDataLogicalType()) ==
+                  value)
+          << text.toUtf8();
+    }
+  }
 }
 
 TEST(DataCnvStandardText, ReadsTheOtherSpellingsOfEachType) {

@@ -1,5 +1,5 @@
-// A first tour of bsutils: typed values, byte buffers, code pages, text fields, dumps and
-// failures.
+// A first tour of bsutils: typed values, byte buffers, code pages, text fields, number fields, dumps
+// and failures.
 
 #include <bsutils/bsutils.h>
 
@@ -168,6 +168,46 @@ void textFields() {
   std::cout << "  -42 in a zero-padded field: \"" << utf8(out, outLength) << "\"\n\n";
 }
 
+void numberFields() {
+  std::cout << "Decimal and float fields in their numeric forms:\n";
+  DataCnv cnv;
+  // A European amount with a decimal comma, read exactly and written back with two places.
+  const NumericTextFormat comma{u',', eExplicitDecimalPoint, 2, true};
+  const char16_t amount[] = u"  -1234,50";
+  const PWFData decimal =
+      cnv.StrToDec(amount, 10, DataCnv::eLeadingSeparateSign, u"-", u"+", DataCnv::eTrimWhiteSpace,
+                   DataCnv::eRightJustified, u' ', true, comma);
+  std::cout << "  \"" << utf8(amount, 10) << "\" reads as the decimal "
+            << utf8(decimal.getDecimalValue(), decimal.getDecimalLength()) << '\n';
+
+  char16_t out[12];
+  std::int32_t outLength = 8;
+  cnv.StrFromDec(ZanStringBase(u"-2.665"), out, outLength, DataCnv::eLeadingSeparateSign, u"-",
+                 u"+", true, DataCnv::eRightJustified, u' ', true, comma);
+  std::cout << "  -2.665 with two places, half to even: \"" << utf8(out, outLength) << "\"\n";
+
+  // A virtual decimal point: the field holds cents.
+  const NumericTextFormat cents{u'.', eVirtualDecimalPoint, 2, true};
+  const double value = cnv.StrToDbl(u"0001999", 7, DataCnv::eNoSign, u"-", u"+", DataCnv::eNoTrim,
+                                    DataCnv::eRightJustified, u' ', true, cents);
+  std::cout << "  \"0001999\" with two virtual places reads as " << value << '\n';
+
+  outLength = 12;
+  cnv.StrFromDbl(-0.00012355, out, outLength, DataCnv::eLeadingSeparateSign, u"-", u"+", false,
+                 DataCnv::eRightJustified, u' ', true,
+                 NumericTextFormat{u'.', eExponentialNumeric, 2, false});
+  std::cout << "  -0.00012355 in exponential form with two places: \"" << utf8(out, outLength)
+            << "\"\n";
+
+  // A strict reader names what is wrong with the text.
+  try {
+    cnv.StrToDec(u"1234.5", 6, DataCnv::eLeadingSeparateSign, u"-", u"+", DataCnv::eNoTrim,
+                 DataCnv::eRightJustified, u' ', true, comma);
+  } catch (const ZanConversionException& e) {
+    std::cout << "  \"1234.5\" as a comma field: " << e.traceText() << "\n\n";
+  }
+}
+
 void failure() {
   std::cout << "A failure, caught and printed:\n";
   try {
@@ -192,6 +232,7 @@ int main() {
   buffers();
   codePages();
   textFields();
+  numberFields();
   failure();
   return 0;
 }

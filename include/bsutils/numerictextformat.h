@@ -12,7 +12,7 @@ enum ENumericForm : std::int32_t {
   // "12.5", "-3", "0.001": the digits the value needs, a point only before a fraction.
   ePlainNumeric = 0,
   // Always a point and exactly `decimalPlaces` digits after it, rounded half to even:
-  // 12.5 with 2 places -> "12.50"; with 0 places -> "13." (the point stays).
+  // 12.5 with 2 places -> "12.50"; with 0 places -> "12." (half to even; the point stays).
   eExplicitDecimalPoint = 1,
   // No point: the digits stand for the value times ten to `decimalPlaces`, rounded half to even:
   // 12.5 with 2 places -> "1250".
