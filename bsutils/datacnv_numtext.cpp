@@ -5,10 +5,8 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <optional>
-#include <string>
-#include <system_error>
+#include <string_view>
 
 #include "cpdebugtrace.h"
 #include "cpraise.h"

@@ -75,7 +75,9 @@ TEST(DataCnvStandardText, WritesEachTypeAndReadsItBack) {
 
 TEST(DataCnvStandardText, RandomValuesOfEveryTypeReadBack) {
   std::mt19937_64 random(20261121);  // fixed, so that a failure can be replayed
-  const auto below = [&](std::uint64_t limit) { return static_cast<std::int32_t>(random() % limit); };
+  const auto below = [&](std::uint64_t limit) {
+    return static_cast<std::int32_t>(random() % limit);
+  };
   DataCnv cnv;
   for (int i = 0; i < 500; ++i) {
     const double bits = std::bit_cast<double>(random());
@@ -91,8 +93,8 @@ TEST(DataCnvStandardText, RandomValuesOfEveryTypeReadBack) {
                 eDecimal),
         PWFData(bytes, below(9), eBinary, eCopy),
         PWFData(below(2) == 1),
-        PWFData(PWFInterval{0, 0, static_cast<std::int64_t>(random() % 8640000000000000ULL),
-                            below(2)}),
+        PWFData(
+            PWFInterval{0, 0, static_cast<std::int64_t>(random() % 8640000000000000ULL), below(2)}),
         PWFData(PWFInterval{below(10000), below(12), 0, below(2)}),
         PWFData(dateTime(1, 1 + below(9999), 1 + below(12), 1 + below(28), below(24), below(60),
                          below(60), below(1000), 3, zone)),

@@ -1,5 +1,5 @@
-// A first tour of bsutils: typed values, byte buffers, code pages, text fields, number fields, dumps
-// and failures.
+// A first tour of bsutils: typed values, byte buffers, code pages, text fields, number fields,
+// dumps and failures.
 
 #include <bsutils/bsutils.h>
 
