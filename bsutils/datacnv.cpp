@@ -136,12 +136,16 @@ std::int32_t DataCnv::PWFChToHex(char16_t c) {
 
 bool DataCnv::IsCcsidEBCDIC() {
   CpDebugTrace trace("DataCnv::IsCcsidEBCDIC");
-  const CPUnicodeConverter* converter = getConverter();
-  char zero[kCharBytesCapacity] = {};
-  std::int32_t size = converter->getMaxBytesPerChar();
-  UErrorCode status = U_ZERO_ERROR;
-  converter->fromUnicodeString(zero, size, ZanStringBase(u"0"), status);
-  return trace.result(static_cast<unsigned char>(zero[0]) == 0xF0);
+  // Zoned-decimal conversions ask for every field; the code page never changes.
+  if (!ccsidIsEbcdic_) {
+    const CPUnicodeConverter* converter = getConverter();
+    char zero[kCharBytesCapacity] = {};
+    std::int32_t size = converter->getMaxBytesPerChar();
+    UErrorCode status = U_ZERO_ERROR;
+    converter->fromUnicodeString(zero, size, ZanStringBase(u"0"), status);
+    ccsidIsEbcdic_ = static_cast<unsigned char>(zero[0]) == 0xF0;
+  }
+  return trace.result(*ccsidIsEbcdic_);
 }
 
 std::int32_t DataCnv::toUnicodeString(ZanStringBase& output, const unsigned char* input,

@@ -29,6 +29,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 U_NAMESPACE_BEGIN
 class DecimalFormat;
@@ -377,6 +378,120 @@ class DataCnv : public ZanOwnedLogSource {
   // "interval" and the value).
   void AppendIntervalField(std::int32_t value, ZanStringBase& out, bool isFraction);
 
+  // --- binary integers ---
+  // Two's-complement integers of 1, 2, 4 and 8 bytes in the object's byte order (LittleEndian is
+  // taken as it stands, any other order is reversed). The readers treat exactly eLeadingEmbeddedSign
+  // (1) as signed and every other style as unsigned; IntFromDbl treats every non-zero style as
+  // signed. A scale is a count of implied decimal places; a negative one raises CP_INTERNAL_ERROR
+  // ("Invalid scale: ", scale). Writers take the size in `length` and leave it unchanged, and
+  // write nothing before every check has passed. Narrowing failures are CP_CONV_INPUT_DATA_TOO_LONG
+  // with the overflow message, "integer", the target description and the size in bytes.
+
+  std::int32_t IntToInt32(const unsigned char* source, std::int32_t length, ESign sign);
+  std::int64_t IntToInt64(const unsigned char* source, std::int32_t length, ESign sign);
+  std::uint64_t UIntToUInt64(const unsigned char* source, std::int32_t length);
+  double IntToDbl(const unsigned char* source, std::int32_t length, std::int32_t scale, ESign sign);
+  PWFData IntToDec(const unsigned char* source, std::int32_t length, std::int32_t scale);
+  void IntFromInt32(std::int32_t value, unsigned char* output, std::int32_t& length, ESign sign);
+  void UIntFromUInt32(std::uint32_t value, unsigned char* output, std::int32_t& length);
+  void IntFromInt64(std::int64_t value, unsigned char* output, std::int32_t& length, ESign sign);
+  void IntFromDbl(double value, unsigned char* output, std::int32_t& length, ESign sign,
+                  std::int32_t scale);
+  void IntFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& length,
+                  std::int32_t scale);
+
+  // --- packed decimal ---
+  // Two digits a byte, the last nibble the sign; n bytes hold 2n - 1 digits. `endian` is the
+  // field's own byte order (LittleEndian: the sign byte first). Sign nibbles read: A, C, E, F
+  // positive, B and D negative codes (B is read as positive), 0 to 9 no sign; written: F for
+  // eNoSign, D for a negative value, else the object's positive packed sign.
+
+  PWFData PckdDecToDec(const unsigned char* source, std::int32_t size, EEndian endian,
+                       std::int32_t scale, ESign sign);
+  double PckdDecToDbl(const unsigned char* source, std::int32_t size, EEndian endian,
+                      std::int32_t scale, ESign sign);
+  std::int32_t PckdDecToInt32(const unsigned char* source, std::int32_t size, EEndian endian,
+                              std::int32_t scale, ESign sign);
+  std::int64_t PckdDecToPWFInt64(const unsigned char* source, std::int32_t size, EEndian endian,
+                                 std::int32_t scale, ESign sign);
+  void PckdDecFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
+                      EEndian endian, std::int32_t scale, ESign sign);
+  void PckdDecFromDbl(double value, unsigned char* output, std::int32_t& size, EEndian endian,
+                      std::int32_t scale, ESign sign);
+  void PckdDecFromInt32(std::int32_t value, unsigned char* output, std::int32_t& size,
+                        EEndian endian, std::int32_t scale, ESign sign);
+  void PckdDecFromPWFInt64(std::int64_t value, unsigned char* output, std::int32_t& size,
+                           EEndian endian, std::int32_t scale, ESign sign);
+  // The TLOG forms: packed digits with no fixed sign position, and packed hexadecimal characters.
+  PWFData TLOGPckdStrToStr(const unsigned char* source, std::int32_t size, EEndian endian);
+  PWFData TLOGPckdDecToDec(const unsigned char* source, std::int32_t size, EEndian endian);
+  unsigned char* TLOGPWFDataToPckdDecimal(PWFData inputData, unsigned char* target,
+                                          std::int32_t size, EEndian endian,
+                                          bool bTrimLeadingZeros, std::int32_t& outputLength);
+  unsigned char* TLOGPWFDataToPckdStr(const PWFData& inputData, unsigned char* target,
+                                      std::int32_t size, EEndian endian);
+
+  // --- zoned (external) decimal ---
+  // One digit a character in the object's code page; the sign embedded in the zone of the first
+  // or last digit (styles 1 and 2) or a separate character before or after the digits (3 and 4).
+  // `padCharacter` and `padIsUnicode` are the field's pad character, as in the text fields;
+  // `customSignEBCDIC` selects the "{", "A".."I" / "}", "J".."R" overpunch on ASCII code pages;
+  // `positiveSigns` and `negativeSigns` are the caller's sign tables for the text-level sign step.
+
+  std::int64_t ExtDecToInt64(const unsigned char* source, std::int32_t size, ESign sign,
+                             EJustification justification, std::int32_t padCharacter,
+                             bool padIsUnicode, bool customSignEBCDIC,
+                             const char16_t* positiveSigns, const char16_t* negativeSigns);
+  double ExtDecToDbl(const unsigned char* source, std::int32_t size, std::int32_t scale,
+                     ESign sign, EJustification justification, std::int32_t padCharacter,
+                     bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
+                     const char16_t* negativeSigns);
+  PWFData ExtDecToDec(const unsigned char* source, std::int32_t size, std::int32_t scale,
+                      ESign sign, EJustification justification, std::int32_t padCharacter,
+                      bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
+                      const char16_t* negativeSigns);
+  void ExtDecFromInt64(std::int64_t value, unsigned char* output, std::int32_t& size, ESign sign,
+                       EJustification justification, char16_t padCharacter, bool padIsUnicode,
+                       bool customSignEBCDIC, const char16_t* positiveSigns,
+                       const char16_t* negativeSigns);
+  void ExtDecFromDbl(double value, unsigned char* output, std::int32_t& size, std::int32_t scale,
+                     ESign sign, EJustification justification, char16_t padCharacter,
+                     bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
+                     const char16_t* negativeSigns);
+  void ExtDecFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
+                     std::int32_t scale, ESign sign, EJustification justification,
+                     char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
+                     const char16_t* positiveSigns, const char16_t* negativeSigns);
+  // The writer the three above share: `text` is decimal text.
+  void UStringToExtDec(ZanStringBase text, unsigned char* output, std::int32_t& size,
+                       std::int32_t scale, ESign sign, EJustification justification,
+                       char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
+                       const char16_t* positiveSigns, const char16_t* negativeSigns);
+  void ExtDecAddSign(ZanStringBase& text, ESign sign, const char16_t* positiveSigns,
+                     const char16_t* negativeSigns, bool& negative);
+  void ExtDecRemoveSign(ZanStringBase& text, ESign sign, const char16_t* positiveSigns,
+                        const char16_t* negativeSigns, bool& negative);
+  void ExtDecTrimData(ZanStringBase& text, EJustification justification, char16_t padCharacter,
+                      bool padIsUnicode);
+  void ExtDecPadData(ZanStringBase& text, std::int32_t fieldSize, std::int32_t dataSize,
+                     EJustification justification, char16_t padCharacter, bool padIsUnicode);
+  std::int32_t GetPadCharLen(char16_t padCharacter);
+
+  // --- floating point ---
+  // 4- and 8-byte floats in the object's byte order and float format (IEEE or HFP).
+
+  double FltToDbl(const unsigned char* source, std::int32_t size);
+  void FltFromDbl(double value, unsigned char* output, std::int32_t& size);
+  PWFData FltToDec(const unsigned char* source, std::int32_t size, std::int32_t scale);
+  void FltFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
+                  std::int32_t scale);
+  // Bit-exact conversions between the formats (truncating, saturating). The 8-byte forms take
+  // the word order: BigEndian puts the high-order word first. Safe to call concurrently.
+  static void ConvertFloatHFPtoIEEE(float* input, float* output);
+  static void ConvertFloatIEEEtoHFP(float* input, float* output);
+  static void ConvertDoubleHFPtoIEEE(double* input, double* output, EEndian endian);
+  static void ConvertDoubleIEEEtoHFP(double* input, double* output, EEndian endian);
+
  private:
   friend class DataCnvTestAccess;
 
@@ -498,6 +613,27 @@ class DataCnv : public ZanOwnedLogSource {
   ZanStringBase standardDecimalText(const ZanStringBase& text);
   bool standardBooleanValue(const ZanStringBase& text);
 
+  // --- binary integers (private) ---
+
+  // --- packed decimal (private) ---
+  void ValidatePackedDecimal(unsigned char* nibbles, std::int32_t count, ESign sign,
+                             const unsigned char* source);
+  void GetPackedDecimalSign(std::int16_t sign, int negative, char* nibble);
+  static unsigned char LeftNibble(unsigned char byte);
+  static unsigned char RightNibble(unsigned char byte);
+  unsigned char* getUnpackedBuffer(const unsigned char* source, std::int32_t size,
+                                   EEndian endian);
+
+  // --- zoned decimal (private) ---
+  ZanStringBase ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
+                            EJustification justification, std::int32_t padCharacter,
+                            bool padIsUnicode, bool customSignEBCDIC,
+                            const char16_t* positiveSigns, const char16_t* negativeSigns);
+
+  // --- floating point (private) ---
+  double MultiplyDouble(double value, std::int32_t power);
+  double DivideDouble(double value, std::int32_t power);
+
   std::int32_t ccsid_;
   std::int32_t formatterArg3_;
   EEndian endian_;
@@ -510,6 +646,7 @@ class DataCnv : public ZanOwnedLogSource {
   std::unique_ptr<CPUnicodeConverter> converter_;
   std::unique_ptr<CPUnicodeConverter> localConverter_;
   std::unique_ptr<icu::DecimalFormat> decimalFormatter_;
+  std::optional<bool> ccsidIsEbcdic_;  // IsCcsidEBCDIC's answer, once asked
   // The rounding the decimal formatter is set to, so that a run of fields with the same places
   // sets it once: digits, or -1 before the first use.
   std::int32_t formatterDigits_ = -1;

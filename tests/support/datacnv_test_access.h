@@ -66,6 +66,12 @@ class DataCnvTestAccess {
   static void TrimNonSignificantZeros(DataCnv& cnv, ZanStringBase& text) {
     cnv.TrimNonSignificantZeros(text);
   }
+
+  // Packed decimal.
+
+  // Zoned decimal.
+
+  // Floating point.
 };
 
 #endif  // BSUTILS_TESTS_DATACNV_TEST_ACCESS_H
