@@ -1,0 +1,336 @@
+// Binary integers: two's-complement fields of 1, 2, 4 and 8 bytes in the object's byte order, read
+// into and written from integers, doubles with implied decimal places, and decimal text.
+
+#include <bsutils/dataconv.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <span>
+
+#include "cpdebugtrace.h"
+#include "cpraise.h"
+#include "datacnvprivate.h"
+
+namespace {
+
+constexpr std::int32_t kMaxIntegerBytes = 8;
+
+// One row of a writer's range table: the field size and signedness it applies to, the values that
+// fit, and what an overflow says (no message: every value of the source type fits).
+struct IntegerTarget {
+  std::int32_t size;
+  bool isSigned;
+  std::int64_t min;
+  std::int64_t max;
+  const char* overflow;
+  const char* description;
+};
+
+constexpr std::int64_t kInt32Min = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t kInt32Max = std::numeric_limits<std::int32_t>::max();
+constexpr std::int64_t kInt64Min = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kInt64Max = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kUInt32Max = std::numeric_limits<std::uint32_t>::max();
+
+constexpr IntegerTarget kFromInt32[] = {
+    {4, true, kInt32Min, kInt32Max, nullptr, "4-byte integer"},
+    {4, false, 0, kInt32Max, "Overflow converting a PWFInt32 to PWFUInt32", "4-byte integer"},
+    {2, true, -32768, 32767, "Overflow converting a PWFInt32 to PWFInt16", "2-byte integer"},
+    {2, false, 0, 65535, "Overflow converting a PWFInt32 to PWFUInt16", "2-byte integer"},
+    {1, true, -128, 127, "Overflow converting a PWFInt32 to PWFInt8", "1-byte integer"},
+    {1, false, 0, 255, "Overflow converting a PWFInt32 to PWFUInt8", "1-byte integer"},
+};
+
+// The unsigned writer has one row a size.
+constexpr IntegerTarget kFromUInt32[] = {
+    {4, false, 0, kUInt32Max, nullptr, "4-byte integer"},
+    {2, false, 0, 65535, "Overflow converting a PWFUInt32 to PWFUInt16", "2-byte unsigned integer"},
+    {1, false, 0, 255, "Overflow converting a PWFUInt32 to PWFUInt8", "1-byte unsigned integer"},
+};
+
+constexpr IntegerTarget kFromInt64[] = {
+    {8, true, kInt64Min, kInt64Max, nullptr, "8-byte integer"},
+    {8, false, 0, kInt64Max, "Overflow converting a PWFInt64 to PWFUInt64", "8-byte integer"},
+    {4, true, kInt32Min, kInt32Max, "Overflow converting a PWFInt64 to PWFInt32", "4-byte integer"},
+    {4, false, 0, kUInt32Max, "Overflow converting a PWFInt64 to PWFUInt32", "4-byte integer"},
+    {2, true, -32768, 32767, "Overflow converting a PWFInt64 to PWFInt16", "2-byte integer"},
+    {2, false, 0, 65535, "Overflow converting a PWFInt64 to PWFUInt16", "2-byte integer"},
+    {1, true, -128, 127, "Overflow converting a PWFInt64 to PWFInt8", "1-byte integer"},
+    {1, false, 0, 255, "Overflow converting a PWFInt64 to PWFUInt8", "1-byte integer"},
+};
+
+// The bounds of IntFromDbl, inclusive. The 8-byte ones are the doubles nearest to 2 to the 64
+// and 2 to the 63, which are those powers themselves.
+struct DoubleTarget {
+  std::int32_t size;
+  double unsignedMax;
+  const char* unsignedDescription;
+  double signedMin;
+  double signedMax;
+  const char* signedDescription;
+};
+
+constexpr DoubleTarget kFromDouble[] = {
+    {1, 255.0, "unsigned 1-byte integer", -128.0, 127.0, "signed 1-byte integer"},
+    {2, 65535.0, "unsigned 2-byte integer", -32768.0, 32767.0, "signed 2-byte integer"},
+    {4, 4294967295.0, "unsigned 4-byte integer", -2147483648.0, 2147483647.0,
+     "signed 4-byte integer"},
+    {8, 1.8446744073709552e19, "unsigned 8-byte integer", -9.223372036854776e18,
+     9.223372036854776e18, "signed 8-byte integer"},
+};
+
+bool isIntegerSize(std::int32_t size, bool eightAllowed) {
+  return size == 1 || size == 2 || size == 4 || (eightAllowed && size == 8);
+}
+
+std::int64_t signExtended(std::uint64_t value, std::int32_t size) {
+  const int unusedBits = 64 - 8 * size;
+  return static_cast<std::int64_t>(value << unusedBits) >> unusedBits;
+}
+
+// The field's value as unsigned: its bytes put in little-endian order, whatever the processor's,
+// then assembled by place value.
+std::uint64_t loadInteger(const unsigned char* source, std::int32_t size, EEndian endian) {
+  unsigned char bytes[kMaxIntegerBytes];
+  if (endian == LittleEndian) {
+    std::copy_n(source, size, bytes);
+  } else {
+    DataCnv::SwapEnds(bytes, source, size);
+  }
+  std::uint64_t value = 0;
+  for (std::int32_t i = size - 1; i >= 0; --i) value = value << 8 | bytes[i];
+  return value;
+}
+
+// The low-order `size` bytes of `value`, in the field's byte order.
+void storeInteger(std::uint64_t value, unsigned char* output, std::int32_t size, EEndian endian) {
+  unsigned char bytes[kMaxIntegerBytes];
+  for (std::int32_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>(value >> (8 * i));
+  if (endian == LittleEndian) {
+    std::copy_n(bytes, size, output);
+  } else {
+    DataCnv::SwapEnds(output, bytes, size);
+  }
+}
+
+// The writers' common body: the row of `targets` for the size and signedness decides the range.
+void writeCheckedInteger(const DataCnv* source, EEndian endian, const char* function,
+                         std::span<const IntegerTarget> targets, std::int64_t value,
+                         unsigned char* output, std::int32_t size, bool isSigned) {
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, source, nullptr,
+             "Null output buffer pointer");
+  }
+  for (const IntegerTarget& target : targets) {
+    if (target.size != size || target.isSigned != isSigned) continue;
+    if (value < target.min || value > target.max) {
+      CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, function, source, target.overflow,
+               "integer", target.description, size);
+    }
+    storeInteger(static_cast<std::uint64_t>(value), output, size, endian);
+    return;
+  }
+  CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, source, nullptr,
+           "Invalid integer size: ", size);
+}
+
+// The scales are applied by repeated multiplication, which a negative count cannot express.
+void requireScale(const DataCnv* source, const char* function, std::int32_t scale) {
+  if (scale < 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, source, nullptr,
+             "Invalid scale: ", scale);
+  }
+}
+
+}  // namespace
+
+std::int32_t DataCnv::IntToInt32(const unsigned char* source, std::int32_t length, ESign sign) {
+  constexpr const char* kFunction = "DataCnv::IntToInt32";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, sign);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "DataCnv::IntToInt32 called with a Null input pointer for the source.");
+  }
+  if (!isIntegerSize(length, false)) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid integer size: ", length);
+  }
+  const std::uint64_t value = loadInteger(source, length, endian_);
+  const bool isSigned = sign == eLeadingEmbeddedSign;
+  if (length == 4 && !isSigned && value > static_cast<std::uint64_t>(kInt32Max)) {
+    CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kFunction, this,
+             "Overflow converting a PWFUInt32 to PWFInt32", "integer", "4-byte integer", length);
+  }
+  return trace.result(
+      static_cast<std::int32_t>(isSigned ? signExtended(value, length) : std::int64_t(value)));
+}
+
+std::int64_t DataCnv::IntToInt64(const unsigned char* source, std::int32_t length, ESign sign) {
+  constexpr const char* kFunction = "DataCnv::IntToInt64";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, sign);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null input pointer passed into DataCnv::IntToInt64");
+  }
+  if (!isIntegerSize(length, true)) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid integer size: ", length);
+  }
+  const std::uint64_t value = loadInteger(source, length, endian_);
+  const bool isSigned = sign == eLeadingEmbeddedSign;
+  if (length == 8 && !isSigned && value > static_cast<std::uint64_t>(kInt64Max)) {
+    CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kFunction, this,
+             "Overflow converting a PWFUInt64 to PWFInt64", "integer", "8-byte integer", length);
+  }
+  return trace.result(isSigned ? signExtended(value, length) : static_cast<std::int64_t>(value));
+}
+
+std::uint64_t DataCnv::UIntToUInt64(const unsigned char* source, std::int32_t length) {
+  constexpr const char* kFunction = "DataCnv::UIntToUInt64";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), length);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
+  }
+  if (!isIntegerSize(length, true)) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid integer size: ", length);
+  }
+  return trace.result(loadInteger(source, length, endian_));
+}
+
+double DataCnv::IntToDbl(const unsigned char* source, std::int32_t length, std::int32_t scale,
+                         ESign sign) {
+  constexpr const char* kFunction = "DataCnv::IntToDbl";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, scale, sign);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
+  }
+  if (length <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid input size: ", length);
+  }
+  requireScale(this, kFunction, scale);
+  double value = sign == eLeadingEmbeddedSign
+                     ? static_cast<double>(IntToInt64(source, length, eLeadingEmbeddedSign))
+                     : static_cast<double>(UIntToUInt64(source, length));
+  // One multiplication a place, as the runtime does: its results carry that rounding.
+  for (std::int32_t i = 0; i < scale; ++i) value *= 0.1;
+  return trace.result(value);
+}
+
+PWFData DataCnv::IntToDec(const unsigned char* source, std::int32_t length, std::int32_t scale) {
+  constexpr const char* kFunction = "DataCnv::IntToDec";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, scale);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
+  }
+  if (length <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid input size: ", length);
+  }
+  requireScale(this, kFunction, scale);
+  // Always read as signed, whatever the field's convention.
+  const std::int64_t value = IntToInt64(source, length, eLeadingEmbeddedSign);
+  ZanStringBase digits;
+  Int64ToUString(value, digits);
+  // The point moves over the digits alone: a sign would count as one.
+  if (value < 0) digits.erase(0, 1);
+  adjustDecimalForString(digits, scale);
+  if (value < 0) digits.insert(0, US_MINUS);
+  return PWFData(digits.terminatedData(), eDecimal);
+}
+
+void DataCnv::IntFromInt32(std::int32_t value, unsigned char* output, std::int32_t& length,
+                           ESign sign) {
+  constexpr const char* kFunction = "DataCnv::IntFromInt32";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length, sign);
+  writeCheckedInteger(this, endian_, kFunction, kFromInt32, value, output, length,
+                      sign == eLeadingEmbeddedSign);
+}
+
+void DataCnv::UIntFromUInt32(std::uint32_t value, unsigned char* output, std::int32_t& length) {
+  constexpr const char* kFunction = "DataCnv::UIntFromUInt32";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length);
+  writeCheckedInteger(this, endian_, kFunction, kFromUInt32, value, output, length, false);
+}
+
+void DataCnv::IntFromInt64(std::int64_t value, unsigned char* output, std::int32_t& length,
+                           ESign sign) {
+  constexpr const char* kFunction = "DataCnv::IntFromInt64";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length, sign);
+  writeCheckedInteger(this, endian_, kFunction, kFromInt64, value, output, length,
+                      sign == eLeadingEmbeddedSign);
+}
+
+void DataCnv::IntFromDbl(double value, unsigned char* output, std::int32_t& length, ESign sign,
+                         std::int32_t scale) {
+  constexpr const char* kFunction = "DataCnv::IntFromDbl";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length, sign, scale);
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null output buffer pointer");
+  }
+  requireScale(this, kFunction, scale);
+  for (std::int32_t i = 0; i < scale; ++i) value *= 10.0;
+
+  const DoubleTarget* target = nullptr;
+  for (const DoubleTarget& row : kFromDouble) {
+    if (row.size == length) target = &row;
+  }
+  if (target == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid integer size: ", length);
+  }
+  const bool isSigned = sign != eNoSign;
+  const double min = isSigned ? target->signedMin : 0.0;
+  const double max = isSigned ? target->signedMax : target->unsignedMax;
+  // Written so that a NaN, which compares false with everything, is out of bounds too.
+  if (!(value >= min && value <= max)) {
+    CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, kFunction, this, nullptr,
+             "double float", isSigned ? target->signedDescription : target->unsignedDescription);
+  }
+
+  // Truncated toward zero. The 8-byte upper bounds are 2 to the 63 and 2 to the 64, one past the
+  // largest integers; converting them is undefined, so they are written as those largest values.
+  std::uint64_t bits = 0;
+  if (!isSigned) {
+    bits = value >= 18446744073709551616.0 ? std::numeric_limits<std::uint64_t>::max()
+                                           : static_cast<std::uint64_t>(value);
+  } else if (value >= 9223372036854775808.0) {
+    bits = static_cast<std::uint64_t>(kInt64Max);
+  } else {
+    bits = static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
+  }
+  storeInteger(bits, output, length, endian_);
+}
+
+void DataCnv::IntFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& length,
+                         std::int32_t scale) {
+  constexpr const char* kFunction = "DataCnv::IntFromDec";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(decimal), static_cast<const void*>(output),
+                     length, scale);
+  if (decimal == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
+  }
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null output buffer pointer");
+  }
+  if (length <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid output buffer size: ", length);
+  }
+  requireScale(this, kFunction, scale);
+  // Moving the point to the right is safe with a sign in front; the fraction is then cut, never
+  // rounded: 123.99 gives 123.
+  ZanStringBase text(decimal);
+  adjustDecimalForString(text, -scale);
+  TrimFromDecimal(text);
+  const bool negative =
+      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
+  TrimData(text, eTrimWhiteSpace, eLeftJustified, u'0', true);
+  TrimData(text, eTrimPadding, eRightJustified, u'0', true);
+  if (negative) text.insert(0, US_MINUS);
+  IntFromInt64(UStringToInt64(text), output, length, eLeadingEmbeddedSign);
+}

@@ -380,23 +380,48 @@ class DataCnv : public ZanOwnedLogSource {
 
   // --- binary integers ---
   // Two's-complement integers of 1, 2, 4 and 8 bytes in the object's byte order (LittleEndian is
-  // taken as it stands, any other order is reversed). The readers treat exactly eLeadingEmbeddedSign
-  // (1) as signed and every other style as unsigned; IntFromDbl treats every non-zero style as
-  // signed. A scale is a count of implied decimal places; a negative one raises CP_INTERNAL_ERROR
+  // taken as it stands, any other order is reversed). The readers treat exactly
+  // eLeadingEmbeddedSign (1) as signed and every other style as unsigned; IntFromDbl treats every
+  // non-zero style as signed. A scale is a count of implied decimal places; a negative one raises
+  // CP_INTERNAL_ERROR
   // ("Invalid scale: ", scale). Writers take the size in `length` and leave it unchanged, and
   // write nothing before every check has passed. Narrowing failures are CP_CONV_INPUT_DATA_TOO_LONG
   // with the overflow message, "integer", the target description and the size in bytes.
 
+  // Reads 1, 2 or 4 bytes (8 for the 64-bit forms). A 4-byte unsigned value above the 32-bit
+  // range raises "Overflow converting a PWFUInt32 to PWFInt32" (the 8-byte form "... PWFUInt64 to
+  // PWFInt64"). Null source: "DataCnv::IntToInt32 called with a Null input pointer for the
+  // source.", "Null input pointer passed into DataCnv::IntToInt64", "Null input pointer"; other
+  // sizes: "Invalid integer size: ".
+  //   FF FF -> -1 signed, 65535 unsigned.
   std::int32_t IntToInt32(const unsigned char* source, std::int32_t length, ESign sign);
   std::int64_t IntToInt64(const unsigned char* source, std::int32_t length, ESign sign);
   std::uint64_t UIntToUInt64(const unsigned char* source, std::int32_t length);
+  // The value divided by ten once a place, by repeated multiplication by 0.1 (results carry that
+  // rounding): 12345 with scale 2 -> 123.45. A length below 1: "Invalid input size: ".
   double IntToDbl(const unsigned char* source, std::int32_t length, std::int32_t scale, ESign sign);
+  // The bytes read as signed, whatever the field's convention, as decimal text with the point
+  // moved over the digits: FF FB with scale 2 -> "-0.05".
   PWFData IntToDec(const unsigned char* source, std::int32_t length, std::int32_t scale);
+  // Write the low-order bytes after the range check of the size and signedness: for example
+  // 65535 into 2 unsigned bytes is FF FF, 65536 raises "Overflow converting a PWFInt32 to
+  // PWFUInt16" with the inserts "integer", "2-byte integer", "2". A null output: "Null output
+  // buffer pointer"; other sizes: "Invalid integer size: ".
   void IntFromInt32(std::int32_t value, unsigned char* output, std::int32_t& length, ESign sign);
   void UIntFromUInt32(std::uint32_t value, unsigned char* output, std::int32_t& length);
   void IntFromInt64(std::int64_t value, unsigned char* output, std::int32_t& length, ESign sign);
+  // The value times ten once a place (repeated multiplication by 10), checked against the size's
+  // bounds inclusive at both ends, then truncated toward zero: 12.345 with scale 2 -> 1234,
+  // -2.9 -> -2. Outside the bounds, or NaN: CP_CONV_INPUT_DATA_OUT_OF_BOUNDS with the inserts
+  // "double float" and the target ("signed 4-byte integer", "unsigned 1-byte integer", ...). The
+  // 8-byte upper bounds are 2 to the 63 (signed) and 2 to the 64 (unsigned) themselves, which no
+  // integer of the type holds: they are accepted and written as the type's largest value.
   void IntFromDbl(double value, unsigned char* output, std::int32_t& length, ESign sign,
                   std::int32_t scale);
+  // Decimal text with its point moved `scale` places right, the fraction cut (never rounded:
+  // "123.99" -> 123), written as a signed integer through IntFromInt64 and its overflow checks.
+  // Null text: "Null input pointer"; a size below 1: "Invalid output buffer size: "; text that is
+  // not a number: CP_CONV_INPUT_DATA_INVALID from UStringToInt64.
   void IntFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& length,
                   std::int32_t scale);
 
@@ -426,8 +451,8 @@ class DataCnv : public ZanOwnedLogSource {
   PWFData TLOGPckdStrToStr(const unsigned char* source, std::int32_t size, EEndian endian);
   PWFData TLOGPckdDecToDec(const unsigned char* source, std::int32_t size, EEndian endian);
   unsigned char* TLOGPWFDataToPckdDecimal(PWFData inputData, unsigned char* target,
-                                          std::int32_t size, EEndian endian,
-                                          bool bTrimLeadingZeros, std::int32_t& outputLength);
+                                          std::int32_t size, EEndian endian, bool bTrimLeadingZeros,
+                                          std::int32_t& outputLength);
   unsigned char* TLOGPWFDataToPckdStr(const PWFData& inputData, unsigned char* target,
                                       std::int32_t size, EEndian endian);
 
@@ -442,9 +467,9 @@ class DataCnv : public ZanOwnedLogSource {
                              EJustification justification, std::int32_t padCharacter,
                              bool padIsUnicode, bool customSignEBCDIC,
                              const char16_t* positiveSigns, const char16_t* negativeSigns);
-  double ExtDecToDbl(const unsigned char* source, std::int32_t size, std::int32_t scale,
-                     ESign sign, EJustification justification, std::int32_t padCharacter,
-                     bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
+  double ExtDecToDbl(const unsigned char* source, std::int32_t size, std::int32_t scale, ESign sign,
+                     EJustification justification, std::int32_t padCharacter, bool padIsUnicode,
+                     bool customSignEBCDIC, const char16_t* positiveSigns,
                      const char16_t* negativeSigns);
   PWFData ExtDecToDec(const unsigned char* source, std::int32_t size, std::int32_t scale,
                       ESign sign, EJustification justification, std::int32_t padCharacter,
@@ -478,15 +503,54 @@ class DataCnv : public ZanOwnedLogSource {
   std::int32_t GetPadCharLen(char16_t padCharacter);
 
   // --- floating point ---
-  // 4- and 8-byte floats in the object's byte order and float format (IEEE or HFP).
+  // 4- and 8-byte floats in the object's byte order (LittleEndian as it stands, any other order
+  // reversed) and float format (HFPFloat, or IEEE for any other value). HFP: the sign, an
+  // exponent of 16 biased by 64 in bits 30 to 24, then a 24-bit (4 bytes) or 56-bit (8 bytes)
+  // fraction. Infinities and NaNs get no special treatment: the format conversions below give
+  // what their steps give, and the decimal forms of a NaN or an infinity fail (see FltToDec).
 
+  // Reads a float of `size` bytes (4, widened, or 8), converting HFP to IEEE first.
+  //   BigEndian, HFP: 41 10 00 00 -> 1.0; C2 64 00 00 -> -100.0
+  // Raises CP_INTERNAL_ERROR for a null source ("Null input pointer passed into
+  // DataCnv::FltToDbl"), a size below 1 ("Invalid input size: ", size) or other than 4 or 8
+  // ("Invalid float size: ", size).
   double FltToDbl(const unsigned char* source, std::int32_t size);
+  // Writes `value` as a float of `size` bytes (left unchanged). For 4 bytes the double is first
+  // rounded to the nearest single (beyond the single range: an infinity), then converted to HFP
+  // by truncation where the format is HFP: 0.1 -> 40 19 99 99 (BigEndian). Raises
+  // CP_INTERNAL_ERROR for a null output ("Null output buffer pointer"), a size below 1 ("Invalid
+  // output buffer size: ", size) or other than 4 or 8 ("Invalid float size: ", size), before
+  // writing anything.
   void FltFromDbl(double value, unsigned char* output, std::int32_t& size);
+  // FltToDbl's value as an eDecimal with `scale` implied decimal places (negative: zeros added),
+  // the sign kept in front: -5.0 with scale 2 -> "-0.05"; 1.5 with scale -3 -> "1500". Fails as
+  // FltToDbl does (under its name), and with CP_CONV_INPUT_DATA_INVALID from doubleToUString for
+  // bytes that hold a NaN or an infinity.
   PWFData FltToDec(const unsigned char* source, std::int32_t size, std::int32_t scale);
+  // Writes the decimal text (a sign, digits, at most one ".") times ten to the `scale` with
+  // FltFromDbl: "-0.05" with scale 2 -> -5.0. Raises CP_INTERNAL_ERROR for a null decimal ("Null
+  // input pointer"), a null output ("Null output buffer pointer"), a size below 1 ("Invalid output
+  // buffer size: ", size) or other than 4 or 8 ("Invalid float size: ", size), and the smallest
+  // 32-bit scale ("Invalid scale: ", scale); CP_CONV_INPUT_DATA_INVALID for text that is not a
+  // decimal (validateDecimal: an exponent, a misplaced sign; PWFStringTodouble: no digits, a
+  // grouping comma); CP_CONV_INPUT_DATA_OUT_OF_BOUNDS beyond the double range. Nothing is written
+  // on failure.
   void FltFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
                   std::int32_t scale);
-  // Bit-exact conversions between the formats (truncating, saturating). The 8-byte forms take
-  // the word order: BigEndian puts the high-order word first. Safe to call concurrently.
+  // Bit-exact conversions between the formats, one 4-byte word or two 32-bit words each way;
+  // `input` and `output` may be the same. Fractions are truncated where they lose bits, except
+  // HFP to IEEE for 8 bytes, which rounds half up on each bit it shifts out. HFP to IEEE
+  // saturates at the largest finite value and gives a signed zero below the smallest normal one;
+  // IEEE to HFP reads an infinity or NaN as a number with the largest exponent: a finite word for
+  // 4 bytes (7F800000 -> 61100000), the largest HFP value for 8 bytes (7FFFFFFF FFFFFFFF, as for
+  // 16 to the 63 and above). A zero apart from its sign (for 8 bytes: a high word that is) is copied.
+  // An HFP word with a zero fraction is not zero: 41000000 reads as 16.0 in 4 bytes, and
+  // 41000000 00000000 as 1.0 in 8 bytes, whose fractions with an empty high word stay
+  // unnormalised. The 8-byte forms take the word order, each word in machine order: BigEndian
+  // puts the high-order word first, any other value second. Every call keeps its own word order,
+  // so they are safe to call concurrently. Null pointers raise CP_INTERNAL_ERROR ("Null input
+  // pointer", "Null output buffer pointer").
+  //   HFP 41100000 <-> IEEE 3F800000; HFP 42640000 -> 42C80000; IEEE 3F000000 -> HFP 40800000.
   static void ConvertFloatHFPtoIEEE(float* input, float* output);
   static void ConvertFloatIEEEtoHFP(float* input, float* output);
   static void ConvertDoubleHFPtoIEEE(double* input, double* output, EEndian endian);
@@ -613,26 +677,48 @@ class DataCnv : public ZanOwnedLogSource {
   ZanStringBase standardDecimalText(const ZanStringBase& text);
   bool standardBooleanValue(const ZanStringBase& text);
 
-  // --- binary integers (private) ---
-
   // --- packed decimal (private) ---
-  void ValidatePackedDecimal(unsigned char* nibbles, std::int32_t count, ESign sign,
+  // Checks `count` unpacked nibbles, the sign nibble last: CP_CONV_INPUT_DATA_INVALID with
+  // "packed decimal, no sign found " for a last nibble 0 to 9, "packed decimal, negative sign
+  // found on unsigned data " for B or D unless `sign` is 1, "packed decimal, non-numeric data
+  // found" for any other nibble above 9; the second insert is the field as the caller gave it,
+  // `source`'s count / 2 bytes in hexadecimal ("0x12345d").
+  void ValidatePackedDecimal(const unsigned char* nibbles, std::int32_t count, ESign sign,
                              const unsigned char* source);
+  // F for sign 0, else D for a negative value, else the object's positive sign, which must be A,
+  // C, E or F (CP_INTERNAL_ERROR "Invalid positive packed sign: ", value).
   void GetPackedDecimalSign(std::int16_t sign, int negative, char* nibble);
-  static unsigned char LeftNibble(unsigned char byte);
-  static unsigned char RightNibble(unsigned char byte);
-  unsigned char* getUnpackedBuffer(const unsigned char* source, std::int32_t size,
-                                   EEndian endian);
+  static unsigned char LeftNibble(unsigned char byte);   // 0x5C -> 5
+  static unsigned char RightNibble(unsigned char byte);  // 0x5C -> 0xC
+  // A new cpMalloc array of 2 x size nibbles in big-endian order, left nibble first, which the
+  // caller frees with cpFree; null for a null source. A size below 1 raises CP_INTERNAL_ERROR
+  // ("Invalid input length: ", size); a refused allocation the fatal CP_MEMORY_ALLOC_FAILURE.
+  unsigned char* getUnpackedBuffer(const unsigned char* source, std::int32_t size, EEndian endian);
+  class UnpackedField;  // a field's nibbles, on the stack for fields of usual size
+  // The readers' decimal text of a valid field; `function` names the reader in argument faults.
+  ZanStringBase packedDecimalText(const char* function, const unsigned char* source,
+                                  std::int32_t size, EEndian endian, std::int32_t scale,
+                                  ESign sign);
+  // The writers' body: packs decimal `text` into `size` bytes of `output` (checked by the caller).
+  void packDecimalText(const char* function, ZanStringBase text, unsigned char* output,
+                       std::int32_t size, EEndian endian, std::int32_t scale, ESign sign);
+  // The text of a string, decimal or integer value for the TLOG writers.
+  ZanStringBase tlogValueText(const char* function, const PWFData& value);
 
   // --- zoned decimal (private) ---
   ZanStringBase ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
                             EJustification justification, std::int32_t padCharacter,
-                            bool padIsUnicode, bool customSignEBCDIC,
-                            const char16_t* positiveSigns, const char16_t* negativeSigns);
+                            bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
+                            const char16_t* negativeSigns);
 
   // --- floating point (private) ---
+  // `value` times or divided by ten to `power`; unchanged when `power` is 0 or ten to it is too
+  // small for a double (so DivideDouble never divides by zero).
   double MultiplyDouble(double value, std::int32_t power);
   double DivideDouble(double value, std::int32_t power);
+  // adjustDecimalForString for text that may have a leading "-" or "+": the point moves over the
+  // digits and a minus goes back in front ("-5", 2 -> "-0.05"; a plus is dropped).
+  void shiftSignedDecimal(ZanStringBase& text, std::int32_t scale);
 
   std::int32_t ccsid_;
   std::int32_t formatterArg3_;
