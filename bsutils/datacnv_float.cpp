@@ -1,0 +1,361 @@
+// Floating point: 4- and 8-byte IEEE and hexadecimal (HFP) floats read into doubles and written
+// from them, directly and through decimal text, and the bit-exact conversions between the two
+// formats.
+//
+// The format conversions work on the bit patterns as unsigned words, copied in and out with memcpy:
+// an HFP word held in a float is no float at all, and loading it as one could change its bits.
+
+#include <bsutils/dataconv.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "cpdebugtrace.h"
+#include "cpraise.h"
+#include "datacnvprivate.h"
+
+namespace {
+
+constexpr std::uint32_t kSignBit = 0x80000000;
+constexpr std::uint32_t kMagnitudeBits = 0x7FFFFFFF;
+constexpr std::uint32_t kLowWordAllOnes = 0xFFFFFFFF;
+
+// HFP: an exponent of 16 biased by 64 in bits 30 to 24, then the fraction.
+constexpr std::int32_t kHfpBias = 64;
+constexpr std::int32_t kHfpMaxCharacteristic = 127;
+constexpr std::uint32_t kHfpFractionBits = 0x00FFFFFF;
+constexpr std::uint32_t kHfpLargest = 0x7FFFFFFF;
+
+// IEEE single: an exponent of 2 biased by 127 in bits 30 to 23, a 23-bit mantissa.
+constexpr std::int32_t kSingleBias = 127;
+constexpr std::int32_t kSingleMaxExponent = 255;
+constexpr std::uint32_t kSingleMantissaBits = 0x007FFFFF;
+constexpr std::uint32_t kSingleImplicitOne = 0x00800000;
+constexpr std::uint32_t kSingleLargest = 0x7F7FFFFF;
+
+// IEEE double, high word: an exponent biased by 1023 in bits 30 to 20, 20 mantissa bits.
+constexpr std::int32_t kDoubleBias = 1023;
+constexpr std::int32_t kDoubleMaxExponent = 2047;
+constexpr std::uint32_t kDoubleHighMantissaBits = 0x000FFFFF;
+constexpr std::uint32_t kDoubleHighLargest = 0x7FEFFFFF;
+
+// The 8-byte fractions are handled as one 64-bit number, the high word's fraction bits above the
+// low word, so "bit n of the high word" is bit n + 32 here.
+constexpr int kLowWordWidth = 32;
+constexpr std::uint64_t highBit(int bit) { return std::uint64_t{1} << (bit + kLowWordWidth); }
+
+constexpr std::int32_t kFloatSize = 4;
+constexpr std::int32_t kDoubleSize = 8;
+
+// An 8-byte value as its high-order word (sign and exponent) and its low-order word.
+struct Words {
+  std::uint32_t high;
+  std::uint32_t low;
+};
+
+// Each word is in machine order; BigEndian puts the high-order word first. The order is the
+// caller's, per call: nothing is shared between calls.
+Words loadWords(const void* value, EEndian endian) {
+  std::uint32_t words[2];
+  std::memcpy(words, value, sizeof words);
+  return endian == BigEndian ? Words{words[0], words[1]} : Words{words[1], words[0]};
+}
+
+void storeWords(const Words& value, void* output, EEndian endian) {
+  const std::uint32_t words[2] = {endian == BigEndian ? value.high : value.low,
+                                  endian == BigEndian ? value.low : value.high};
+  std::memcpy(output, words, sizeof words);
+}
+
+std::uint32_t loadWord(const void* value) {
+  std::uint32_t word;
+  std::memcpy(&word, value, sizeof word);
+  return word;
+}
+
+void storeWord(std::uint32_t word, void* output) { std::memcpy(output, &word, sizeof word); }
+
+std::uint32_t hfpToIeeeSingle(std::uint32_t hfp) {
+  const std::uint32_t sign = hfp & kSignBit;
+  if ((hfp & kMagnitudeBits) == 0) return hfp;
+  std::uint32_t fraction = hfp & kHfpFractionBits;
+  std::int32_t exponent =
+      4 * static_cast<std::int32_t>((hfp & kMagnitudeBits) >> 24) - 4 * kHfpBias;
+  // The leading one goes to bit 24. A zero fraction is left as it is, so a word with a
+  // characteristic and no fraction reads as a power of two rather than as zero.
+  if (fraction != 0) {
+    const int shift = std::countl_zero(fraction) - 7;
+    fraction <<= shift;
+    exponent -= shift;
+  }
+  const std::int32_t biased = exponent + kSingleBias;
+  if (biased >= kSingleMaxExponent) return sign | kSingleLargest;  // never infinity
+  if (biased <= 0) return sign;                                    // no denormals
+  // Bit 24 is the implicit one; bit 0 is dropped (truncation; it is always 0 after the shift).
+  return sign | (static_cast<std::uint32_t>(biased) << 23) |
+         ((fraction >> 1) & kSingleMantissaBits);
+}
+
+std::uint32_t ieeeToHfpSingle(std::uint32_t ieee) {
+  const std::uint32_t sign = ieee & kSignBit;
+  if ((ieee & kMagnitudeBits) == 0) return ieee;
+  // Infinities, NaNs and denormals go through as if normal numbers: no special cases.
+  const std::int32_t exponent =
+      static_cast<std::int32_t>((ieee & kMagnitudeBits) >> 23) - kSingleBias;
+  std::uint32_t fraction = ((ieee & kSingleMantissaBits) | kSingleImplicitOne) << 1;
+  std::int32_t characteristic;
+  // The binary exponent splits into a power of 16 and a shift of 0 to 3 bits.
+  if (exponent < 0) {
+    fraction >>= -exponent % 4;
+    characteristic = -(-exponent / 4);
+  } else {
+    fraction <<= exponent % 4;
+    characteristic = exponent / 4;
+  }
+  // A leading one above bit 23 moves down a whole hexadecimal digit; what falls off is lost.
+  if ((fraction & 0x0F000000) != 0) {
+    fraction >>= 4;
+    ++characteristic;
+  }
+  // Every single fits, infinities and NaNs included: the characteristic ends within 33 to 97.
+  return sign | (static_cast<std::uint32_t>(characteristic + kHfpBias) << 24) | fraction;
+}
+
+Words hfpToIeeeDouble(Words hfp) {
+  const std::uint32_t sign = hfp.high & kSignBit;
+  if ((hfp.high & kMagnitudeBits) == 0) return hfp;
+  std::uint64_t fraction = (std::uint64_t{hfp.high & kHfpFractionBits} << kLowWordWidth) | hfp.low;
+  std::int32_t exponent =
+      4 * (static_cast<std::int32_t>((hfp.high & kMagnitudeBits) >> 24) - kHfpBias) - 4;
+  // The target's leading one is bit 20 of the high word. From bit 23 or 22 the fraction moves
+  // down by truncation; from bit 21 by rounding half up, one bit at a time.
+  if ((fraction & (highBit(23) | highBit(22))) != 0) {
+    const int shift = std::bit_width(fraction) - (kLowWordWidth + 22);
+    fraction >>= shift;
+    exponent += shift;
+  }
+  while ((fraction & highBit(21)) != 0) {
+    fraction = (fraction + 1) >> 1;
+    ++exponent;
+  }
+  // A fraction whose high word part is 0 is left unnormalised on purpose: such values have
+  // always read this way.
+  if (fraction >= highBit(0) && (fraction & highBit(20)) == 0) {
+    const int shift = kLowWordWidth + 21 - std::bit_width(fraction);
+    fraction <<= shift;
+    exponent -= shift;
+  }
+  // HFP's range lies well inside the double's, so the two guards below only keep the routine
+  // whole: no HFP value reaches them.
+  const std::int32_t biased = exponent + kDoubleBias;
+  if (biased >= kDoubleMaxExponent) return {sign | kDoubleHighLargest, kLowWordAllOnes};
+  if (biased < 1) return {sign, 0};
+  const auto highFraction = static_cast<std::uint32_t>(fraction >> kLowWordWidth);
+  return {
+      sign | (static_cast<std::uint32_t>(biased) << 20) | (highFraction & kDoubleHighMantissaBits),
+      static_cast<std::uint32_t>(fraction)};
+}
+
+Words ieeeToHfpDouble(Words ieee) {
+  const std::uint32_t sign = ieee.high & kSignBit;
+  if ((ieee.high & kMagnitudeBits) == 0) return ieee;
+  const std::int32_t exponent =
+      static_cast<std::int32_t>((ieee.high & kMagnitudeBits) >> 20) - kDoubleBias;
+  // The 52-bit mantissa four bits up, the implicit one at bit 24 of the high word.
+  std::uint64_t fraction =
+      (((std::uint64_t{ieee.high & kDoubleHighMantissaBits} << kLowWordWidth) | ieee.low) << 4) |
+      highBit(24);
+  std::int32_t characteristic;
+  if (exponent < 0) {
+    fraction >>= -exponent % 4;
+    characteristic = -(-exponent / 4);
+  } else {
+    fraction <<= exponent % 4;
+    characteristic = exponent / 4;
+  }
+  if ((fraction & (highBit(27) | highBit(26) | highBit(25) | highBit(24))) != 0) {
+    fraction >>= 4;
+    ++characteristic;
+  }
+  characteristic += kHfpBias;
+  if (characteristic > kHfpMaxCharacteristic) return {sign | kHfpLargest, kLowWordAllOnes};
+  if (characteristic < 0) return {sign, 0};
+  return {sign | (static_cast<std::uint32_t>(characteristic) << 24) |
+              static_cast<std::uint32_t>(fraction >> kLowWordWidth),
+          static_cast<std::uint32_t>(fraction)};
+}
+
+// The conversions between the formats take their words through pointers; null ones are argument
+// faults like everywhere else.
+void requireWords(const char* function, const void* input, const void* output) {
+  if (input == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, nullptr, nullptr, "Null input pointer");
+  }
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, nullptr, nullptr,
+             "Null output buffer pointer");
+  }
+}
+
+void requireFloatSize(const DataCnv* cnv, const char* function, std::int32_t size) {
+  if (size != kFloatSize && size != kDoubleSize) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
+             "Invalid float size: ", size);
+  }
+}
+
+}  // namespace
+
+void DataCnv::ConvertFloatHFPtoIEEE(float* input, float* output) {
+  constexpr const char* kFunction = "DataCnv::ConvertFloatHFPtoIEEE";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(input), static_cast<const void*>(output));
+  requireWords(kFunction, input, output);
+  storeWord(hfpToIeeeSingle(loadWord(input)), output);
+}
+
+void DataCnv::ConvertFloatIEEEtoHFP(float* input, float* output) {
+  constexpr const char* kFunction = "DataCnv::ConvertFloatIEEEtoHFP";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(input), static_cast<const void*>(output));
+  requireWords(kFunction, input, output);
+  storeWord(ieeeToHfpSingle(loadWord(input)), output);
+}
+
+void DataCnv::ConvertDoubleHFPtoIEEE(double* input, double* output, EEndian endian) {
+  constexpr const char* kFunction = "DataCnv::ConvertDoubleHFPtoIEEE";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(input), static_cast<const void*>(output),
+                     endian);
+  requireWords(kFunction, input, output);
+  storeWords(hfpToIeeeDouble(loadWords(input, endian)), output, endian);
+}
+
+void DataCnv::ConvertDoubleIEEEtoHFP(double* input, double* output, EEndian endian) {
+  constexpr const char* kFunction = "DataCnv::ConvertDoubleIEEEtoHFP";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(input), static_cast<const void*>(output),
+                     endian);
+  requireWords(kFunction, input, output);
+  storeWords(ieeeToHfpDouble(loadWords(input, endian)), output, endian);
+}
+
+double DataCnv::FltToDbl(const unsigned char* source, std::int32_t size) {
+  constexpr const char* kFunction = "DataCnv::FltToDbl";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), size);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null input pointer passed into DataCnv::FltToDbl");
+  }
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid input size: ", size);
+  }
+  requireFloatSize(this, kFunction, size);
+  // The bytes in machine order, where the high word of 8 comes second (LittleEndian).
+  unsigned char bytes[kDoubleSize];
+  if (endian_ == LittleEndian) {
+    std::memcpy(bytes, source, static_cast<std::size_t>(size));
+  } else {
+    SwapEnds(bytes, source, size);
+  }
+  double value;
+  if (size == kFloatSize) {
+    std::uint32_t word = loadWord(bytes);
+    if (floatFormat_ == HFPFloat) word = hfpToIeeeSingle(word);
+    value = std::bit_cast<float>(word);
+  } else if (floatFormat_ == HFPFloat) {
+    storeWords(hfpToIeeeDouble(loadWords(bytes, LittleEndian)), &value, LittleEndian);
+  } else {
+    std::memcpy(&value, bytes, sizeof value);
+  }
+  return trace.result(value);
+}
+
+void DataCnv::FltFromDbl(double value, unsigned char* output, std::int32_t& size) {
+  constexpr const char* kFunction = "DataCnv::FltFromDbl";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), size);
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null output buffer pointer");
+  }
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid output buffer size: ", size);
+  }
+  requireFloatSize(this, kFunction, size);
+  unsigned char bytes[kDoubleSize];
+  if (size == kFloatSize) {
+    // Narrowed by the processor's rounding to nearest; beyond the single range that is infinity.
+    auto word = std::bit_cast<std::uint32_t>(static_cast<float>(value));
+    if (floatFormat_ == HFPFloat) word = ieeeToHfpSingle(word);
+    storeWord(word, bytes);
+  } else if (floatFormat_ == HFPFloat) {
+    storeWords(ieeeToHfpDouble(loadWords(&value, LittleEndian)), bytes, LittleEndian);
+  } else {
+    std::memcpy(bytes, &value, sizeof value);
+  }
+  if (endian_ == LittleEndian) {
+    std::memcpy(output, bytes, static_cast<std::size_t>(size));
+  } else {
+    SwapEnds(output, bytes, size);
+  }
+}
+
+PWFData DataCnv::FltToDec(const unsigned char* source, std::int32_t size, std::int32_t scale) {
+  CpDebugTrace trace("DataCnv::FltToDec", static_cast<const void*>(source), size, scale);
+  ZanStringBase text;
+  doubleToUString(FltToDbl(source, size), text, false);
+  shiftSignedDecimal(text, scale);
+  trace.result(text);
+  return PWFData(text.terminatedData(), eDecimal);
+}
+
+void DataCnv::FltFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
+                         std::int32_t scale) {
+  constexpr const char* kFunction = "DataCnv::FltFromDec";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(decimal), static_cast<const void*>(output),
+                     size, scale);
+  if (decimal == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
+  }
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null output buffer pointer");
+  }
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid output buffer size: ", size);
+  }
+  requireFloatSize(this, kFunction, size);
+  // The point moves the other way; the smallest scale has no opposite.
+  if (scale == std::numeric_limits<std::int32_t>::min()) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Invalid scale: ", scale);
+  }
+  // Checked before the point moves: moving it through an exponent would make another number.
+  ZanStringBase text(decimal);
+  validateDecimal(text);
+  shiftSignedDecimal(text, -scale);
+  FltFromDbl(PWFStringTodouble(text), output, size);
+}
+
+void DataCnv::shiftSignedDecimal(ZanStringBase& text, std::int32_t scale) {
+  if (scale == 0) return;
+  // The point counts digits only: "-5" with 2 places is "-0.05", not "0.-5".
+  const bool negative =
+      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
+  adjustDecimalForString(text, scale);
+  if (negative) text.insert(0, US_MINUS);
+}
+
+double DataCnv::MultiplyDouble(double value, std::int32_t power) {
+  if (power == 0) return value;
+  const double factor = std::pow(10.0, power);
+  return factor == 0.0 ? value : value * factor;
+}
+
+double DataCnv::DivideDouble(double value, std::int32_t power) {
+  if (power == 0) return value;
+  // Below the double range ten to the power is 0: the value stays rather than becoming infinite.
+  const double factor = std::pow(10.0, power);
+  return factor == 0.0 ? value : value / factor;
+}

@@ -427,79 +427,214 @@ class DataCnv : public ZanOwnedLogSource {
 
   // --- packed decimal ---
   // Two digits a byte, the last nibble the sign; n bytes hold 2n - 1 digits. `endian` is the
-  // field's own byte order (LittleEndian: the sign byte first). Sign nibbles read: A, C, E, F
-  // positive, B and D negative codes (B is read as positive), 0 to 9 no sign; written: F for
-  // eNoSign, D for a negative value, else the object's positive packed sign.
+  // field's own byte order (LittleEndian: the same bytes reversed, the sign byte first), not the
+  // object's. `scale` is the number of implied decimal places (negative: trailing zeros implied).
+  // `sign` eLeadingEmbeddedSign (1) means a signed field to the readers, any other style unsigned;
+  // the writers write F for eNoSign and take every other style as signed. Sign nibbles read: A, C,
+  // E, F positive; D negative; B passes as a negative code but reads as positive (kept as the
+  // runtime has it); 0 to 9 are no sign. Sign nibbles written: F unsigned, D negative, else the
+  // object's positive packed sign (C by default; it must be A, C, E or F, else CP_INTERNAL_ERROR
+  // "Invalid positive packed sign: ", value).
+  //
+  // Readers fail, reading nothing past `size` bytes, with CP_INTERNAL_ERROR for a null source
+  // ("Null input pointer") or a size below 1 ("Invalid input length: ", size), and
+  // CP_CONV_INPUT_DATA_INVALID for a bad field: "packed decimal, no sign found ", "packed decimal,
+  // negative sign found on unsigned data ", "packed decimal, non-numeric data found", each with the
+  // field as given in hexadecimal ("0x12345d"). Fields above 32 bytes are unpacked into allocated
+  // memory, whose refusal is CP_MEMORY_ALLOC_FAILURE (ZanConversionException, trace text "CPI
+  // Memory allocation failure", insert "malloc returned NULL").
 
+  // The digits with their leading zeros, the point moved `scale` places, "-" in front for D:
+  //   12 34 5C, scale 2 -> "123.45"; 5D, scale 2 -> "-0.05"; 00 12 3F, unsigned -> "00123".
   PWFData PckdDecToDec(const unsigned char* source, std::int32_t size, EEndian endian,
                        std::int32_t scale, ESign sign);
+  // The decimal read as a double: 12 34 5D, scale 2 -> -123.45.
   double PckdDecToDbl(const unsigned char* source, std::int32_t size, EEndian endian,
                       std::int32_t scale, ESign sign);
+  // The decimal through a binary integer of the width (IntFromDec, IntToInt32 / IntToInt64): the
+  // fraction is truncated (12 34 5D, scale 2 -> -123) and a value out of range fails as those fail
+  // (CP_CONV_INPUT_DATA_TOO_LONG "Overflow converting a PWFInt64 to PWFInt32"; beyond 64 bits
+  // CP_CONV_INPUT_DATA_OUT_OF_BOUNDS).
   std::int32_t PckdDecToInt32(const unsigned char* source, std::int32_t size, EEndian endian,
                               std::int32_t scale, ESign sign);
   std::int64_t PckdDecToPWFInt64(const unsigned char* source, std::int32_t size, EEndian endian,
                                  std::int32_t scale, ESign sign);
+  // Writes exactly `size` bytes (left unchanged): the value times ten to `scale`, the fraction
+  // truncated, never rounded, zero bytes before the digits (after them for LittleEndian).
+  //   "123.45", size 3, scale 2 -> 12 34 5C; "-5", size 3 -> 00 00 5D; "0", unsigned -> 00 00 0F.
+  // The text is an optional sign, digits and at most one "."; white space around it is ignored.
+  // A negative value keeps D even when it truncates to zero ("-0.5" -> 0D), as does "-0".
+  // Raises CP_INTERNAL_ERROR for a null text ("Null input pointer") or output ("Null output buffer
+  // pointer"); CP_CONV_INPUT_DATA_INVALID (inserts "decimal" and the text) for other text, commas
+  // and exponents included, or text without a digit; CP_CONV_INPUT_DATA_OUT_OF_BOUNDS for a
+  // non-zero negative value into an unsigned field (inserts "decimal", "packed decimal (no
+  // sign)"); CP_CONV_INPUT_DATA_TOO_LONG for digits that do not fit, a size below 1 included
+  // (inserts "packed decimal", "decimal", size). Nothing is written before every check passes.
   void PckdDecFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
                       EEndian endian, std::int32_t scale, ESign sign);
+  // The double's shortest decimal text (doubleToUString; NaN and infinities raise its
+  // CP_CONV_INPUT_DATA_INVALID), written as PckdDecFromDec writes it: -123.456, scale 2 ->
+  // 12 34 5D.
   void PckdDecFromDbl(double value, unsigned char* output, std::int32_t& size, EEndian endian,
                       std::int32_t scale, ESign sign);
+  // The integer's decimal text, written as PckdDecFromDec writes it: 123, scale 2 -> 12 30 0C.
   void PckdDecFromInt32(std::int32_t value, unsigned char* output, std::int32_t& size,
                         EEndian endian, std::int32_t scale, ESign sign);
   void PckdDecFromPWFInt64(std::int64_t value, unsigned char* output, std::int32_t& size,
                            EEndian endian, std::int32_t scale, ESign sign);
+
   // The TLOG forms: packed digits with no fixed sign position, and packed hexadecimal characters.
+  // Their readers return an empty eString value for a null source and raise CP_INTERNAL_ERROR
+  // ("Invalid input length: ", size) for a size below 1; their writers return null for a null
+  // target, writing nothing, and raise the same for a size below 1, and CP_INTERNAL_ERROR for a
+  // null value ("Should not call this method with null data") or one that is not a string, decimal
+  // or integer ("Should not call this method without a valid type"). A writer that fails writes
+  // nothing.
+
+  // Every nibble as a character "0".."9", "A".."F": 4A F0 -> "4AF0".
   PWFData TLOGPckdStrToStr(const unsigned char* source, std::int32_t size, EEndian endian);
+  // The digit nibbles in order; D anywhere makes the value negative and F as the first nibble is a
+  // filler: F1 23 -> "123", 12 3D -> "-123", FD -> "-0". Any other nibble above 9 raises
+  // CP_CONV_INPUT_DATA_INVALID (inserts "TLOG packed decimal" and the field in hexadecimal).
   PWFData TLOGPckdDecToDec(const unsigned char* source, std::int32_t size, EEndian endian);
+  // Packs the value's text, digits and "-" (as D, where it falls), right-aligned over "0"
+  // characters in 2 x size places: -123, size 3 -> 00 D1 23. With `bTrimLeadingZeros` the pairs
+  // of leading zeros are left out and an odd one out shares its byte with an F filler: 123, size
+  // 3 -> F1 23; -123 -> D1 23. Sets `outputLength` to the bytes written and returns `target`.
+  // Raises CP_CONV_INPUT_DATA_INVALID (inserts "TLOG packed decimal" and the text) for any other
+  // character, CP_CONV_INPUT_DATA_TOO_LONG (inserts "TLOG packed decimal", "decimal", size) for
+  // a text longer than 2 x size.
   unsigned char* TLOGPWFDataToPckdDecimal(PWFData inputData, unsigned char* target,
                                           std::int32_t size, EEndian endian, bool bTrimLeadingZeros,
                                           std::int32_t& outputLength);
+  // Packs the value's hexadecimal characters (either case), two a byte, right-aligned over "0"
+  // in exactly `size` bytes: "abc", size 2 -> 0A BC. Returns `target`. Raises
+  // CP_CONV_INPUT_DATA_INVALID (inserts "TLOG packed string" and the text) for a character that
+  // is not a hexadecimal digit, CP_CONV_INPUT_DATA_TOO_LONG (inserts "TLOG packed string",
+  // "string", size) for a text longer than 2 x size.
   unsigned char* TLOGPWFDataToPckdStr(const PWFData& inputData, unsigned char* target,
                                       std::int32_t size, EEndian endian);
 
   // --- zoned (external) decimal ---
-  // One digit a character in the object's code page; the sign embedded in the zone of the first
-  // or last digit (styles 1 and 2) or a separate character before or after the digits (3 and 4).
-  // `padCharacter` and `padIsUnicode` are the field's pad character, as in the text fields;
-  // `customSignEBCDIC` selects the "{", "A".."I" / "}", "J".."R" overpunch on ASCII code pages;
-  // `positiveSigns` and `negativeSigns` are the caller's sign tables for the text-level sign step.
+  // One digit a character in the object's code page, EBCDIC when IsCcsidEBCDIC() and ASCII-based
+  // otherwise, the sign in one of five styles:
+  //   eNoSign                 digits only; a negative value cannot be written;
+  //   eLeadingEmbeddedSign    overpunched on the first digit (eTrailingEmbeddedSign: the last):
+  //                           EBCDIC zone D is negative and F positive (zones A, B, C and E read
+  //                           as positive too; a zone below A is no sign); ASCII "p".."y" is a
+  //                           negative 0..9 and the plain digit a positive one, or, with
+  //                           `customSignEBCDIC`, "}", "J".."R" negative and "{", "A".."I"
+  //                           positive (EBCDIC code pages ignore the flag: they have one form);
+  //   eLeadingSeparateSign    "+" or "-" as the first character (eTrailingSeparateSign: the
+  //                           last); a field read without it is positive.
+  // `positiveSigns` and `negativeSigns` are optional sign tables for the embedded styles (null or
+  // empty: none): NUL-terminated, the forms of the digits 0..9 first, any further character
+  // standing for the digit of its position modulo 10. A character that a table holds is read and
+  // written by the tables, any other by the overpunch above.
+  //
+  // Layout, written by the writers and taken apart in reverse by the readers:
+  //   [leading separate sign][padding][digits][padding][trailing separate sign]
+  // The padding is `padCharacter` (a UTF-16 character when `padIsUnicode`, else a character of the
+  // code page: one byte in a single-byte one) on the side the justification pads: before the
+  // digits when right justified, after them when left justified ("-  5", "5  -"). A zero pad
+  // character is a digit: it fills before the digits whatever the justification ("-005", "0012"),
+  // an embedded sign goes on the first digit of the filled field, and readers keep it as digits.
+  // Other digits cannot pad. Reading takes a separate sign off the edge, trims the padding, then
+  // takes an embedded sign off the first or last character left; every character left must be
+  // "0".."9", and a field with none left reads as 0. A scale is a count of implied decimal places
+  // (negative: the point moves right); it moves the point over the digits before the sign goes on.
+  //
+  // Argument faults raise CP_INTERNAL_ERROR: a sign style outside 0..4 ("Invalid sign type: "), a
+  // justification other than 0 and 1 ("Invalid justification: "), and, for the embedded styles,
+  // one sign table without the other or one of fewer than ten characters ("Invalid sign table: ",
+  // the table or "(null)"). A code-page pad character that is not one character of the code page,
+  // or a pad digit other than zero, raises CP_CONV_INVALID_PADDING; padding that does not fill the
+  // field in whole characters CP_CONV_INVALID_PADDING_SIZE.
 
+  // Readers. A null `source` raises CP_INTERNAL_ERROR ("Null input pointer"), a `size` below 1
+  // "Invalid external decimal size: " ("Invalid extended decimal size: " for ExtDecToInt64), a
+  // `padCharacter` outside 0..0xFFFF "Invalid pad character: ". A character that is no digit where
+  // a digit must be raises CP_CONV_INPUT_DATA_INVALID (inserts "external decimal" and the field's
+  // bytes in hexadecimal), and a signed digit that is not one of the custom EBCDIC signs the same
+  // with "External decimal - Custom Sign EBCDIC" and its bytes. A field the code page cannot
+  // convert raises CP_INTERNAL_ERROR ("Conversion to unicode string failed. Error code: ").
+  // These failures are raised under "DataCnv::ExtDecToStr", the readers' common body.
+  //   EBCDIC F1 F2 D3, eTrailingEmbeddedSign -> -123; ASCII "12L", custom signs -> -123;
+  //   ASCII "12s" -> -123; "-0005" with eLeadingSeparateSign, scale 2 -> "-0.05".
+
+  // The value, which must fit 64 bits (else CP_CONV_INPUT_DATA_OUT_OF_BOUNDS from
+  // UStringToInt64: "string", the text, "8-byte integer").
   std::int64_t ExtDecToInt64(const unsigned char* source, std::int32_t size, ESign sign,
                              EJustification justification, std::int32_t padCharacter,
                              bool padIsUnicode, bool customSignEBCDIC,
                              const char16_t* positiveSigns, const char16_t* negativeSigns);
+  // The value divided by ten to `scale`, correctly rounded.
   double ExtDecToDbl(const unsigned char* source, std::int32_t size, std::int32_t scale, ESign sign,
                      EJustification justification, std::int32_t padCharacter, bool padIsUnicode,
                      bool customSignEBCDIC, const char16_t* positiveSigns,
                      const char16_t* negativeSigns);
+  // The value divided by ten to `scale` as an eDecimal: "-" for a negative value, no leading zeros
+  // before the point, as many fraction digits as the scale ("1250", scale 2 -> "12.50"; zero with
+  // scale 2 -> "0.00", with scale -2 -> "0").
   PWFData ExtDecToDec(const unsigned char* source, std::int32_t size, std::int32_t scale,
                       ESign sign, EJustification justification, std::int32_t padCharacter,
                       bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
                       const char16_t* negativeSigns);
+
+  // Writers: fill all `size` bytes of `output` (`size` is left as it is) with the value times ten
+  // to `scale`, the fraction truncated, leading zeros dropped; a value whose significant digits
+  // fit always fits (0.05 with scale 2 is "5"). Zero has no sign. A null `output` raises
+  // CP_INTERNAL_ERROR ("Null output buffer pointer"), a `size` below 1 "Invalid output buffer
+  // size: ". More digits (and sign) than the field raises CP_CONV_INPUT_DATA_TOO_LONG ("external
+  // decimal", "string"); a negative value with eNoSign CP_CONV_INPUT_DATA_OUT_OF_BOUNDS
+  // ("unsigned external decimal", "signed number"). A failed write leaves `output` unchanged.
+  //   -123, EBCDIC, eTrailingEmbeddedSign, 3 bytes -> F1 F2 D3; ASCII -> "12s", custom signs
+  //   "12L"; -123, eLeadingSeparateSign, pad "0", 5 bytes -> "-0123"; eTrailingSeparateSign,
+  //   pad " ", right justified -> " 123-".
   void ExtDecFromInt64(std::int64_t value, unsigned char* output, std::int32_t& size, ESign sign,
                        EJustification justification, char16_t padCharacter, bool padIsUnicode,
                        bool customSignEBCDIC, const char16_t* positiveSigns,
                        const char16_t* negativeSigns);
+  // The value by its shortest decimal text, so that 0.29 with scale 2 writes 29. NaN and the
+  // infinities raise CP_CONV_INPUT_DATA_INVALID ("double", the value).
   void ExtDecFromDbl(double value, unsigned char* output, std::int32_t& size, std::int32_t scale,
                      ESign sign, EJustification justification, char16_t padCharacter,
                      bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
                      const char16_t* negativeSigns);
+  // A null `decimal` raises CP_INTERNAL_ERROR ("Null input pointer").
   void ExtDecFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
                      std::int32_t scale, ESign sign, EJustification justification,
                      char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
                      const char16_t* positiveSigns, const char16_t* negativeSigns);
-  // The writer the three above share: `text` is decimal text.
+  // The writers' common body, under whose name their failures other than the pointer and size
+  // checks are raised (ExtDecFromInt64 skips its text steps: an integer is digits already). `text`
+  // is decimal text: an optional sign, digits and at most one point, white space around it ignored;
+  // anything else raises CP_CONV_INPUT_DATA_INVALID ("decimal", the text).
   void UStringToExtDec(ZanStringBase text, unsigned char* output, std::int32_t& size,
                        std::int32_t scale, ESign sign, EJustification justification,
                        char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
                        const char16_t* positiveSigns, const char16_t* negativeSigns);
+
+  // The text-level steps of the layout above, on UTF-16 text.
+  // Puts the sign on digit text: "+" or "-" before (style 3) or after (4) it; for styles 1 and 2
+  // replaces the first or last character, if the positive table holds it at position i, with
+  // form i modulo 10 of the table of the sign. Other characters and styles are left alone.
   void ExtDecAddSign(ZanStringBase& text, ESign sign, const char16_t* positiveSigns,
                      const char16_t* negativeSigns, bool& negative);
+  // Takes it off and sets `negative`: a leading (3) or trailing (4) "-" or "+"; for 1 and 2 the
+  // first or last character, if a table holds it (the negative one first), becomes its digit.
+  // A style outside 0..4 raises CP_INTERNAL_ERROR ("Invalid sign type: ").
   void ExtDecRemoveSign(ZanStringBase& text, ESign sign, const char16_t* positiveSigns,
                         const char16_t* negativeSigns, bool& negative);
+  // Trims the pad character from the side the justification pads; a digit is never trimmed.
   void ExtDecTrimData(ZanStringBase& text, EJustification justification, char16_t padCharacter,
                       bool padIsUnicode);
+  // Adds as many pad characters as fill `fieldSize` - `dataSize` bytes: zeros before the text,
+  // other characters on the justification's side.
   void ExtDecPadData(ZanStringBase& text, std::int32_t fieldSize, std::int32_t dataSize,
                      EJustification justification, char16_t padCharacter, bool padIsUnicode);
+  // The bytes a UTF-16 pad character takes in the code page; one it cannot carry raises
+  // CP_INTERNAL_ERROR ("Error converting from unicode", under "DataCnv::PadData").
   std::int32_t GetPadCharLen(char16_t padCharacter);
 
   // --- floating point ---
@@ -538,18 +673,22 @@ class DataCnv : public ZanOwnedLogSource {
   void FltFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& size,
                   std::int32_t scale);
   // Bit-exact conversions between the formats, one 4-byte word or two 32-bit words each way;
-  // `input` and `output` may be the same. Fractions are truncated where they lose bits, except
-  // HFP to IEEE for 8 bytes, which rounds half up on each bit it shifts out. HFP to IEEE
-  // saturates at the largest finite value and gives a signed zero below the smallest normal one;
-  // IEEE to HFP reads an infinity or NaN as a number with the largest exponent: a finite word for
-  // 4 bytes (7F800000 -> 61100000), the largest HFP value for 8 bytes (7FFFFFFF FFFFFFFF, as for
-  // 16 to the 63 and above). A zero apart from its sign (for 8 bytes: a high word that is) is copied.
-  // An HFP word with a zero fraction is not zero: 41000000 reads as 16.0 in 4 bytes, and
-  // 41000000 00000000 as 1.0 in 8 bytes, whose fractions with an empty high word stay
-  // unnormalised. The 8-byte forms take the word order, each word in machine order: BigEndian
-  // puts the high-order word first, any other value second. Every call keeps its own word order,
-  // so they are safe to call concurrently. Null pointers raise CP_INTERNAL_ERROR ("Null input
-  // pointer", "Null output buffer pointer").
+  // `input` and `output` may be the same. Bits that do not fit are truncated, except from HFP to
+  // IEEE in 8 bytes, which rounds half up on each bit it shifts out.
+  //   - HFP to IEEE saturates at the largest finite value (never infinity) and gives a zero of
+  //     the sign below the smallest normal one (no denormals).
+  //   - IEEE to HFP reads an infinity or NaN as a number with the largest exponent: a finite word
+  //     in 4 bytes (7F800000 -> 61100000), the largest HFP value in 8 bytes (7FFFFFFF FFFFFFFF,
+  //     as for 16 to the 63 and above).
+  //   - A zero apart from its sign is copied; in 8 bytes, so is a value whose high word is zero
+  //     apart from its sign, low word and all.
+  //   - An HFP word with a zero fraction is not zero: 41000000 reads as 16.0 in 4 bytes, and
+  //     41000000 00000000 as 1.0 in 8 bytes, which leaves a fraction with an empty high word
+  //     unnormalised.
+  // The 8-byte forms take the word order, each word in machine order: BigEndian puts the
+  // high-order word first, any other value second. Each call keeps its own word order, so they
+  // are safe to call concurrently. Null pointers raise CP_INTERNAL_ERROR ("Null input pointer",
+  // "Null output buffer pointer").
   //   HFP 41100000 <-> IEEE 3F800000; HFP 42640000 -> 42C80000; IEEE 3F000000 -> HFP 40800000.
   static void ConvertFloatHFPtoIEEE(float* input, float* output);
   static void ConvertFloatIEEEtoHFP(float* input, float* output);
@@ -690,9 +829,11 @@ class DataCnv : public ZanOwnedLogSource {
   void GetPackedDecimalSign(std::int16_t sign, int negative, char* nibble);
   static unsigned char LeftNibble(unsigned char byte);   // 0x5C -> 5
   static unsigned char RightNibble(unsigned char byte);  // 0x5C -> 0xC
-  // A new cpMalloc array of 2 x size nibbles in big-endian order, left nibble first, which the
+  // A new malloc array of 2 x size nibbles in big-endian order, left nibble first, which the
   // caller frees with cpFree; null for a null source. A size below 1 raises CP_INTERNAL_ERROR
-  // ("Invalid input length: ", size); a refused allocation the fatal CP_MEMORY_ALLOC_FAILURE.
+  // ("Invalid input length: ", size); a refused allocation CP_MEMORY_ALLOC_FAILURE as a
+  // ZanConversionException (trace text "CPI Memory allocation failure", insert "malloc returned
+  // NULL").
   unsigned char* getUnpackedBuffer(const unsigned char* source, std::int32_t size, EEndian endian);
   class UnpackedField;  // a field's nibbles, on the stack for fields of usual size
   // The readers' decimal text of a valid field; `function` names the reader in argument faults.
@@ -702,14 +843,48 @@ class DataCnv : public ZanOwnedLogSource {
   // The writers' body: packs decimal `text` into `size` bytes of `output` (checked by the caller).
   void packDecimalText(const char* function, ZanStringBase text, unsigned char* output,
                        std::int32_t size, EEndian endian, std::int32_t scale, ESign sign);
-  // The text of a string, decimal or integer value for the TLOG writers.
-  ZanStringBase tlogValueText(const char* function, const PWFData& value);
+  // The TLOG writers' checks of the size and the value, and the text of a string, decimal or
+  // integer value; `kind` and `valueKind` are the inserts of the too-long failure.
+  ZanStringBase tlogFieldText(const char* function, const char* kind, const char* valueKind,
+                              const PWFData& value, std::int32_t size);
 
   // --- zoned decimal (private) ---
+  // The readers' common body: the field's value as integer text, "-" before a negative value and
+  // no leading zeros ("-123", "0").
   ZanStringBase ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
                             EJustification justification, std::int32_t padCharacter,
                             bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
                             const char16_t* negativeSigns);
+  // ExtDecToStr's text with `scale` implied decimal places, as decimal text.
+  ZanStringBase scaledZonedText(ZanStringBase text, std::int32_t scale);
+  // Reading through the code page: the field's digits ("0".."9", leading zeros kept) into
+  // `digits`; returns whether the sign was negative.
+  bool zonedDigitsFromText(const unsigned char* source, std::int32_t size, ESign sign,
+                           EJustification justification, char16_t padCharacter, bool padIsUnicode,
+                           bool customSignEBCDIC, const char16_t* positiveSigns,
+                           const char16_t* negativeSigns, ZanStringBase& digits);
+  // Replaces the overpunched character at `at` by its digit and returns its sign; leaves a
+  // character that carries no sign for the digit check.
+  bool takeOverpunchedSign(ZanStringBase& text, std::int32_t at, bool customSignEBCDIC);
+  // The writers' digits of decimal `text` for a field of `size` bytes: times ten to `scale`,
+  // truncated, without leading zeros ("0" for zero, which is not negative).
+  ZanStringBase zonedDigitsOf(ZanStringBase text, std::int32_t scale, std::int32_t size,
+                              bool& negative);
+  // The writers' last step: `size` bytes of `output` from unsigned digits without leading zeros
+  // and their sign, the form checked by the caller.
+  void writeZonedField(const ZanStringBase& digits, bool negative, unsigned char* output,
+                       std::int32_t size, ESign sign, EJustification justification,
+                       char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
+                       const char16_t* positiveSigns, const char16_t* negativeSigns);
+  // Writing through the code page: the `size` bytes of `field` from the digits and their sign.
+  void zonedFieldFromText(const ZanStringBase& digits, bool negative, std::int32_t size, ESign sign,
+                          EJustification justification, char16_t padCharacter, bool padIsUnicode,
+                          bool customSignEBCDIC, const char16_t* positiveSigns,
+                          const char16_t* negativeSigns, unsigned char* field);
+  void checkZonedForm(const char* function, ESign sign, EJustification justification,
+                      const char16_t* positiveSigns, const char16_t* negativeSigns);
+  void checkSignTables(const char* function, const char16_t* positiveSigns,
+                       const char16_t* negativeSigns);
 
   // --- floating point (private) ---
   // `value` times or divided by ten to `power`; unchanged when `power` is 0 or ten to it is too

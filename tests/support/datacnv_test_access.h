@@ -68,10 +68,32 @@ class DataCnvTestAccess {
   }
 
   // Packed decimal.
+  static unsigned char* getUnpackedBuffer(DataCnv& cnv, const unsigned char* source,
+                                          std::int32_t size, EEndian endian) {
+    return cnv.getUnpackedBuffer(source, size, endian);
+  }
 
   // Zoned decimal.
+  // The general reader and writer, which the byte-by-byte paths must agree with.
+  static bool zonedDigitsFromText(DataCnv& cnv, const unsigned char* source, std::int32_t size,
+                                  ESign sign, bool customSignEBCDIC, ZanStringBase& digits) {
+    return cnv.zonedDigitsFromText(source, size, sign, DataCnv::eRightJustified, u'0', true,
+                                   customSignEBCDIC, nullptr, nullptr, digits);
+  }
+  static void zonedFieldFromText(DataCnv& cnv, const ZanStringBase& digits, bool negative,
+                                 std::int32_t size, ESign sign, bool customSignEBCDIC,
+                                 unsigned char* field) {
+    cnv.zonedFieldFromText(digits, negative, size, sign, DataCnv::eRightJustified, u'0', true,
+                           customSignEBCDIC, nullptr, nullptr, field);
+  }
 
   // Floating point.
+  static double MultiplyDouble(DataCnv& cnv, double value, std::int32_t power) {
+    return cnv.MultiplyDouble(value, power);
+  }
+  static double DivideDouble(DataCnv& cnv, double value, std::int32_t power) {
+    return cnv.DivideDouble(value, power);
+  }
 };
 
 #endif  // BSUTILS_TESTS_DATACNV_TEST_ACCESS_H
