@@ -232,13 +232,10 @@ PWFData DataCnv::IntToDec(const unsigned char* source, std::int32_t length, std:
   requireScale(this, kFunction, scale);
   // Always read as signed, whatever the field's convention.
   const std::int64_t value = IntToInt64(source, length, eLeadingEmbeddedSign);
-  ZanStringBase digits;
-  Int64ToUString(value, digits);
-  // The point moves over the digits alone: a sign would count as one.
-  if (value < 0) digits.erase(0, 1);
-  adjustDecimalForString(digits, scale);
-  if (value < 0) digits.insert(0, US_MINUS);
-  return PWFData(digits.terminatedData(), eDecimal);
+  ZanStringBase text;
+  Int64ToUString(value, text);
+  shiftSignedDecimal(text, scale);
+  return PWFData(text.terminatedData(), eDecimal);
 }
 
 void DataCnv::IntFromInt32(std::int32_t value, unsigned char* output, std::int32_t& length,

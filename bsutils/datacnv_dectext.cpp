@@ -115,6 +115,15 @@ void DataCnv::adjustDecimalForString(ZanStringBase& text, std::int32_t scale) {
   }
 }
 
+void DataCnv::shiftSignedDecimal(ZanStringBase& text, std::int32_t scale) {
+  if (scale == 0) return;
+  const bool negative =
+      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
+  const bool zero = text.length() == 1 && text[0] == u'0';
+  if (scale > 0 || !zero) adjustDecimalForString(text, scale);
+  if (negative) text.insert(0, US_MINUS);
+}
+
 void DataCnv::TrimFromDecimal(ZanStringBase& text) {
   const std::int32_t point = text.indexOf(kPoint);
   if (point >= 0) text.truncate(point);

@@ -338,15 +338,6 @@ void DataCnv::FltFromDec(const char16_t* decimal, unsigned char* output, std::in
   FltFromDbl(PWFStringTodouble(text), output, size);
 }
 
-void DataCnv::shiftSignedDecimal(ZanStringBase& text, std::int32_t scale) {
-  if (scale == 0) return;
-  // The point counts digits only: "-5" with 2 places is "-0.05", not "0.-5".
-  const bool negative =
-      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
-  adjustDecimalForString(text, scale);
-  if (negative) text.insert(0, US_MINUS);
-}
-
 double DataCnv::MultiplyDouble(double value, std::int32_t power) {
   if (power == 0) return value;
   const double factor = std::pow(10.0, power);

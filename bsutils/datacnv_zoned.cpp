@@ -459,17 +459,6 @@ ZanStringBase DataCnv::ExtDecToStr(const unsigned char* source, std::int32_t siz
   return signedIntegerText(digits.data(), digits.length(), negative);
 }
 
-ZanStringBase DataCnv::scaledZonedText(ZanStringBase text, std::int32_t scale) {
-  // The point moves over the digits alone and the sign goes back on afterwards: -5 with scale 2 is
-  // "-0.05". Zero stays "0" whatever zeros a negative scale would append.
-  const bool negative = text[0] == u'-';
-  if (negative) text.erase(0, 1);
-  const bool zero = text.length() == 1 && text[0] == u'0';
-  if (scale > 0 || !zero) adjustDecimalForString(text, scale);
-  if (negative) text.insert(0, US_MINUS);
-  return text;
-}
-
 std::int64_t DataCnv::ExtDecToInt64(const unsigned char* source, std::int32_t size, ESign sign,
                                     EJustification justification, std::int32_t padCharacter,
                                     bool padIsUnicode, bool customSignEBCDIC,
@@ -502,7 +491,9 @@ double DataCnv::ExtDecToDbl(const unsigned char* source, std::int32_t size, std:
     const auto value = static_cast<double>(UStringToInt64(text));
     return trace.result(scale >= 0 ? value / kPowersOfTen[scale] : value * kPowersOfTen[-scale]);
   }
-  return trace.result(PWFStringTodouble(scaledZonedText(text, scale)));
+  ZanStringBase decimal = text;
+  shiftSignedDecimal(decimal, scale);
+  return trace.result(PWFStringTodouble(decimal));
 }
 
 PWFData DataCnv::ExtDecToDec(const unsigned char* source, std::int32_t size, std::int32_t scale,
@@ -513,10 +504,9 @@ PWFData DataCnv::ExtDecToDec(const unsigned char* source, std::int32_t size, std
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, scale, sign, justification,
                      padCharacter, padIsUnicode, customSignEBCDIC);
   checkZonedSource(this, kFunction, kExternalSizeMessage, source, size);
-  const ZanStringBase text =
-      scaledZonedText(ExtDecToStr(source, size, sign, justification, padCharacter, padIsUnicode,
-                                  customSignEBCDIC, positiveSigns, negativeSigns),
-                      scale);
+  ZanStringBase text = ExtDecToStr(source, size, sign, justification, padCharacter, padIsUnicode,
+                                   customSignEBCDIC, positiveSigns, negativeSigns);
+  shiftSignedDecimal(text, scale);
   return PWFData(text.terminatedData(), eDecimal);
 }
 

@@ -785,6 +785,10 @@ class DataCnv : public ZanOwnedLogSource {
   // Divides unsigned digit text by ten to the power `scale` by moving the point: "12345", 2 ->
   // "123.45"; "5", 3 -> "0.005"; "1.5", -3 -> "1500". A sign would count as a digit.
   void adjustDecimalForString(ZanStringBase& text, std::int32_t scale);
+  // adjustDecimalForString for text that may have a leading "-" or "+": the point moves over the
+  // digits and a minus goes back in front ("-5", 2 -> "-0.05"; a plus is dropped). A zero stays
+  // "0" whatever zeros a negative scale would append.
+  void shiftSignedDecimal(ZanStringBase& text, std::int32_t scale);
   // Truncates at the point: "12.99" -> "12".
   void TrimFromDecimal(ZanStringBase& text);
   // Drops leading zeros, and trailing ones after a point: "0012.3400" -> "12.34", "0.50" -> ".5".
@@ -855,8 +859,6 @@ class DataCnv : public ZanOwnedLogSource {
                             EJustification justification, std::int32_t padCharacter,
                             bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,
                             const char16_t* negativeSigns);
-  // ExtDecToStr's text with `scale` implied decimal places, as decimal text.
-  ZanStringBase scaledZonedText(ZanStringBase text, std::int32_t scale);
   // Reading through the code page: the field's digits ("0".."9", leading zeros kept) into
   // `digits`; returns whether the sign was negative.
   bool zonedDigitsFromText(const unsigned char* source, std::int32_t size, ESign sign,
@@ -891,9 +893,6 @@ class DataCnv : public ZanOwnedLogSource {
   // small for a double (so DivideDouble never divides by zero).
   double MultiplyDouble(double value, std::int32_t power);
   double DivideDouble(double value, std::int32_t power);
-  // adjustDecimalForString for text that may have a leading "-" or "+": the point moves over the
-  // digits and a minus goes back in front ("-5", 2 -> "-0.05"; a plus is dropped).
-  void shiftSignedDecimal(ZanStringBase& text, std::int32_t scale);
 
   std::int32_t ccsid_;
   std::int32_t formatterArg3_;
