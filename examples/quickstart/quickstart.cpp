@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -208,6 +209,45 @@ void numberFields() {
   }
 }
 
+void mainframeRecord() {
+  std::cout << "A mainframe record decoded field by field (EBCDIC 37, big-endian, HFP floats):\n";
+  // A name, a binary customer number, a packed amount with two places, a zoned balance with its
+  // sign in the zone of the last digit, and a rate as a 4-byte hexadecimal float.
+  const unsigned char record[] = {0xC1, 0xC3, 0xD4, 0xC5, 0x40, 0xC3, 0xD6, 0x40,  // "ACME CO "
+                                  0x00, 0x00, 0x04, 0xD2,                          // 1234
+                                  0x00, 0x01, 0x23, 0x45, 0x6C,                    // 1234.56
+                                  0xF0, 0xF0, 0xF1, 0xF2, 0xF3, 0xF4, 0xD5,        // -12345
+                                  0xC1, 0x28, 0x00, 0x00};                         // -2.5
+  DataCnv cnv(37, BigEndian, HFPFloat);
+  const auto field = [&](const char* label, std::int32_t offset, std::int32_t size,
+                         const std::string& value) {
+    std::cout << "  " << label << CPUtils::binaryDump(record + offset, size) << " -> " << value
+              << '\n';
+  };
+  ZanStringBase name;
+  cnv.toUnicodeString(name, record, 8);
+  field("text, 8 bytes:           ", 0, 8, '"' + name.toUtf8() + '"');
+  field("binary integer, 4 bytes: ", 8, 4,
+        std::to_string(cnv.IntToInt32(record + 8, 4, DataCnv::eLeadingEmbeddedSign)));
+  const PWFData amount =
+      cnv.PckdDecToDec(record + 12, 5, BigEndian, 2, DataCnv::eLeadingEmbeddedSign);
+  field("packed decimal, scale 2: ", 12, 5, amount.getDebugString().getPWFStringValue().toUtf8());
+  field("zoned, trailing sign:    ", 17, 7,
+        std::to_string(cnv.ExtDecToInt64(record + 17, 7, DataCnv::eTrailingEmbeddedSign,
+                                         DataCnv::eRightJustified, u'0', true, false, nullptr,
+                                         nullptr)));
+  std::ostringstream rate;
+  rate << cnv.FltToDbl(record + 24, 4);
+  field("HFP float, 4 bytes:      ", 24, 4, rate.str());
+
+  // Written back, the amount gives the same bytes.
+  unsigned char packed[5];
+  std::int32_t size = 5;
+  cnv.PckdDecFromDec(amount.getDecimalValue(), packed, size, BigEndian, 2,
+                     DataCnv::eLeadingEmbeddedSign);
+  std::cout << "  the amount written back: " << CPUtils::binaryDump(packed, 5) << "\n\n";
+}
+
 void failure() {
   std::cout << "A failure, caught and printed:\n";
   try {
@@ -233,6 +273,7 @@ int main() {
   codePages();
   textFields();
   numberFields();
+  mainframeRecord();
   failure();
   return 0;
 }
