@@ -67,12 +67,6 @@ class DataCnvTestAccess {
     cnv.TrimNonSignificantZeros(text);
   }
 
-  // Packed decimal.
-  static unsigned char* getUnpackedBuffer(DataCnv& cnv, const unsigned char* source,
-                                          std::int32_t size, EEndian endian) {
-    return cnv.getUnpackedBuffer(source, size, endian);
-  }
-
   // Zoned decimal.
   // The general reader and writer, which the byte-by-byte paths must agree with.
   static bool zonedDigitsFromText(DataCnv& cnv, const unsigned char* source, std::int32_t size,
@@ -85,14 +79,6 @@ class DataCnvTestAccess {
                                  unsigned char* field) {
     cnv.zonedFieldFromText(digits, negative, size, sign, DataCnv::eRightJustified, u'0', true,
                            customSignEBCDIC, nullptr, nullptr, field);
-  }
-
-  // Floating point.
-  static double MultiplyDouble(DataCnv& cnv, double value, std::int32_t power) {
-    return cnv.MultiplyDouble(value, power);
-  }
-  static double DivideDouble(DataCnv& cnv, double value, std::int32_t power) {
-    return cnv.DivideDouble(value, power);
   }
 };
 
