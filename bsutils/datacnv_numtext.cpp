@@ -15,8 +15,10 @@
 
 namespace {
 
-// Room for the scientific text of any double: "-1.7976931348623157e+308".
-constexpr std::size_t kScientificCapacity = 32;
+// Room for the scientific text of any double ("-1.7976931348623157e+308") and for the positional
+// text of any below 2 to the 53: a sign, "0.", the 323 zeros before the only digit of the smallest
+// subnormal, and 17 significant digits.
+constexpr std::size_t kDoubleTextCapacity = 1 + 2 + 323 + 17;
 
 }  // namespace
 
@@ -28,18 +30,22 @@ void DataCnv::doubleToUString(double value, ZanStringBase& out, bool exponential
   }
   // Both zeros are written as zero: a decimal has no negative zero.
   if (value == 0.0) value = 0.0;
-  // Without a precision, std::to_chars writes the shortest digits that read back exactly, here in
-  // scientific form with a signed exponent of at least two digits ("1e-07"). Its fixed form would
-  // not do for positional text: it writes every digit of a large double's binary value
-  // ("1.5e300" has 301 of them, mostly noise), so the point of the short form is moved instead.
-  char units[kScientificCapacity];
-  const std::to_chars_result written =
-      std::to_chars(units, units + sizeof units, value, std::chars_format::scientific);
-  const ZanStringBase scientific = ZanStringBase::fromUtf8(
+  // Without a precision, std::to_chars writes the shortest digits that read back exactly. Below 2
+  // to the 53 every integer part is exact, so its positional form is those digits in place
+  // ("0.0000001"). Above, the positional form would write every digit of the binary value
+  // ("1.5e300" has 301 of them, mostly noise), so the point of the short scientific form ("1e-07",
+  // "1.5e+300") is moved instead.
+  constexpr double kExactIntegers = 9007199254740992.0;
+  const bool positionalIsShortest = !exponential && std::fabs(value) < kExactIntegers;
+  char units[kDoubleTextCapacity];
+  const std::to_chars_result written = std::to_chars(
+      units, units + sizeof units, value,
+      positionalIsShortest ? std::chars_format::fixed : std::chars_format::scientific);
+  const ZanStringBase text = ZanStringBase::fromUtf8(
       std::string_view(units, static_cast<std::size_t>(written.ptr - units)));
-  out = exponential ? scientific
-                    : decimalFromNumber(kFunction, "double",
-                                        scanNumber(scientific, NumberGrammar{}), 0, scientific);
+  out = exponential || positionalIsShortest
+            ? text
+            : decimalFromNumber(kFunction, "double", scanNumber(text, NumberGrammar{}), 0, text);
   trace.result(out);
 }
 
