@@ -8,6 +8,7 @@
 #include <bsutils/bytebuffer.h>
 #include <bsutils/cpalloc.h>
 #include <bsutils/cpassert.h>
+#include <bsutils/cpbase64converter.h>
 #include <bsutils/cpunicodeconverter.h>
 #include <bsutils/cputils.h>
 #include <bsutils/dataconv.h>
@@ -15,6 +16,8 @@
 #include <bsutils/messageinfo.h>
 #include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>
+#include <bsutils/textbufferreader.h>
+#include <bsutils/textbufferwriter.h>
 #include <bsutils/workerinfo.h>
 #include <zan/zanexception.h>
 #include <zan/zaninsert.h>
