@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <limits>
+#include <vector>
 
 #include "cpraise.h"
 
@@ -72,6 +74,12 @@ void ReadWriteByteBuffer::growFor(std::int32_t length, const char* function) {
   }
 }
 
+bool ReadWriteByteBuffer::storageHolds(const unsigned char* bytes) const {
+  // std::less orders pointers into different objects too, where the operator does not.
+  const std::less<const unsigned char*> before;
+  return bytes_ != nullptr && !before(bytes, bytes_) && before(bytes, bytes_ + capacity_);
+}
+
 void ReadWriteByteBuffer::reset() {
   locked_ = false;
   size_ = 0;
@@ -81,8 +89,13 @@ void ReadWriteByteBuffer::append(const void* data, std::int32_t length) {
   if (locked_) release(0);
   if (length <= 0) return;
   requireData(data, length, "ReadWriteByteBuffer::append");
+  // Bytes taken from this buffer's own storage move with it when it grows.
+  const auto* source = static_cast<const unsigned char*>(data);
+  const bool own = storageHolds(source);
+  const std::ptrdiff_t ownOffset = own ? source - bytes_ : 0;
   growFor(length, "ReadWriteByteBuffer::append");
-  std::memcpy(bytes_ + size_, data, static_cast<std::size_t>(length));
+  if (own) source = bytes_ + ownOffset;
+  std::memmove(bytes_ + size_, source, static_cast<std::size_t>(length));
   size_ += length;
 }
 
@@ -100,6 +113,12 @@ void ReadWriteByteBuffer::write(const void* data, std::int32_t length, std::int3
   if (length <= 0) return;
   requireData(data, length, "ReadWriteByteBuffer::write");
   const auto* bytes = static_cast<const unsigned char*>(data);
+  // The buffer's own bytes are copied first: overwriting would change them before they are read.
+  if (storageHolds(bytes)) {
+    const std::vector<unsigned char> copy(bytes, bytes + length);
+    write(copy.data(), length, offset);
+    return;
+  }
   const std::int32_t overwritten = offset < size_ ? std::min(length, size_ - offset) : 0;
   if (overwritten > 0) std::memcpy(bytes_ + offset, bytes, static_cast<std::size_t>(overwritten));
   // Through the virtual slot, as the interface promises a derived buffer.

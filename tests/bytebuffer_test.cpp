@@ -104,6 +104,16 @@ TEST(ReadWriteByteBuffer, WriteOverwritesAndAppendsWithoutGaps) {
   }
 }
 
+TEST(ReadWriteByteBuffer, TakesItsOwnBytesEvenWhenItGrows) {
+  // Capacity 10 is full: appending the buffer to itself reallocates under the source.
+  ReadWriteByteBuffer buffer("0123456789", 10);
+  buffer.append(buffer.getData(0), 10);
+  EXPECT_EQ(contents(buffer), "01234567890123456789");
+  // Overlapping its own bytes, then running past the end.
+  buffer.write(buffer.getData(0), 20, 4);
+  EXPECT_EQ(contents(buffer), "012301234567890123456789");
+}
+
 TEST(ReadWriteByteBuffer, LockReservesAndReleaseCommits) {
   ReadWriteByteBuffer buffer;
   unsigned char* room = buffer.appendLock(10);

@@ -74,6 +74,8 @@ class ReadWriteByteBuffer : public WritableBitstreamBuffer {
 
  private:
   void growFor(std::int32_t length, const char* function);
+  // Whether `bytes` points into this buffer's storage (a caller passing back getData's bytes).
+  bool storageHolds(const unsigned char* bytes) const;
 
   bool locked_ = false;
   unsigned char* bytes_ = nullptr;
