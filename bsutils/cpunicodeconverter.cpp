@@ -154,6 +154,9 @@ void CPUnicodeConverter::fromUnicodeString(char* target, std::int32_t& length,
   ucnv_fromUnicode(converter_.get(), &end, target + length, &units, units + source.length(),
                    nullptr, true, &status);
   length = static_cast<std::int32_t>(end - target);
+  // A whole-text conversion that stops early (a full target) leaves the rest of its last character
+  // pending in ICU, which would write it first into the next text.
+  if (U_FAILURE(status)) ucnv_resetFromUnicode(converter_.get());
 }
 
 signed char CPUnicodeConverter::getMaxBytesPerChar() const {

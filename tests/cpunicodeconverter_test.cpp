@@ -201,6 +201,17 @@ TEST(CPUnicodeConverter, StringConversionsReportThroughStatus) {
   EXPECT_EQ(length, 2);
   EXPECT_EQ(Bytes(out, out + 2), (Bytes{0xC1, 0xC2}));
 
+  // A character cut off by a full target is dropped, not written first into the next text.
+  const CPUnicodeConverter utf8(1208, LittleEndian);
+  length = 1;
+  status = U_ZERO_ERROR;
+  utf8.fromUnicodeString(out, length, ZanStringBase(u"\u00E9"), status);
+  EXPECT_EQ(status, U_BUFFER_OVERFLOW_ERROR);
+  length = 2;
+  status = U_ZERO_ERROR;
+  utf8.fromUnicodeString(out, length, ZanStringBase(u"AB"), status);
+  EXPECT_EQ(Bytes(out, out + length), (Bytes{'A', 'B'}));
+
   length = 0;
   status = U_ZERO_ERROR;
   ebcdic.fromUnicodeString(out, length, ZanStringBase(u"A"), status);
@@ -208,7 +219,6 @@ TEST(CPUnicodeConverter, StringConversionsReportThroughStatus) {
 
   // ICU's default callbacks substitute: a UTF-8 sequence cut short reads as U+FFFD, not as a
   // failure.
-  const CPUnicodeConverter utf8(1208, LittleEndian);
   status = U_ZERO_ERROR;
   utf8.toUnicodeString(target, "ab\xE2\x82", 4, status);
   EXPECT_EQ(status, U_ZERO_ERROR);
