@@ -1,5 +1,4 @@
-// The text buffer writer: conversion into real code pages, the cache and its flush points, the
-// buffer operations around it, copies, and the failures of bad input.
+// TextBufferWriter: real code pages, the cache and its flush points, copies, appendBuf, failures.
 
 #include <bsutils/bytebuffer.h>
 #include <bsutils/textbufferreader.h>
@@ -8,11 +7,11 @@
 #include <zan/zanexception.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "support/capturing_sink.h"
@@ -20,360 +19,106 @@
 
 namespace {
 
-// The buffer's bytes as upper-case hexadecimal pairs, "C8 85".
-std::string hex(const BitstreamBuffer& buffer) {
-  const auto* bytes = static_cast<const unsigned char*>(buffer.getData(0));
-  std::string text;
-  for (std::int32_t i = 0; i < buffer.getLength(); ++i) {
-    char pair[4];
-    std::snprintf(pair, sizeof pair, i == 0 ? "%02X" : " %02X", bytes[i]);
-    text += pair;
-  }
-  return text;
+using namespace std::string_view_literals;
+constexpr EEndian B = BigEndian;
+constexpr EEndian L = LittleEndian;
+
+std::string bytes(const BitstreamBuffer& buffer) {
+  const auto* data = static_cast<const char*>(buffer.getData(0));
+  return data == nullptr ? std::string()
+                         : std::string(data, static_cast<std::size_t>(buffer.getLength()));
 }
 
-std::string contents(const BitstreamBuffer& buffer) {
-  const auto* bytes = static_cast<const char*>(buffer.getData(0));
-  return bytes == nullptr ? std::string()
-                          : std::string(bytes, static_cast<std::size_t>(buffer.getLength()));
-}
-
-void expectWriterFailure(const std::function<void()>& operation, const std::string& function,
-                         const std::string& traceText, const std::vector<std::string>& inserts) {
-  expectFailure<ZanConversionException>(operation, "CP_INTERNAL_ERROR", 0xC000157E, traceText,
-                                        "textbffr", function, inserts);
-}
-
-TEST(TextBufferWriter, AppliesTheDefaultsAndTakesTheWidestCharacterOnce) {
-  struct Case {
-    std::int32_t codepage;
-    std::int32_t endian;
-    std::int32_t expectedCodepage;
-    EEndian expectedEndian;
-    std::int32_t maxBytesPerChar;  // ICU's data for the converter opened
-  };
-  const Case cases[] = {{0, -1, 1208, LittleEndian, 3},
-                        {-5, BigEndian, 1208, BigEndian, 3},
-                        {37, BigEndian, 37, BigEndian, 1},
-                        {1200, -7, 1200, LittleEndian, 2}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.codepage);
-    ReadWriteByteBuffer buffer;
-    TextBufferWriter writer(&buffer, c.codepage, static_cast<EEndian>(c.endian));
-    EXPECT_EQ(writer.getCodepage(), c.expectedCodepage);
-    EXPECT_EQ(writer.getEndian(), c.expectedEndian);
-    EXPECT_EQ(writer.getMaxBytesPerChar(), c.maxBytesPerChar);
-    ASSERT_NE(writer.getConverter(), nullptr);
-  }
-}
-
-TEST(TextBufferWriter, RefusesWhatCannotBeWrittenTo) {
-  ReadWriteByteBuffer buffer;
-  EXPECT_THROW(TextBufferWriter(&buffer, 99999, BigEndian), ZanRecoverableException);
-  EXPECT_THROW(TextBufferWriter(&buffer, 1200, static_cast<EEndian>(0)), ZanRecoverableException);
-  expectWriterFailure([] { TextBufferWriter(nullptr, 37, BigEndian); },
-                      "TextBufferWriter::TextBufferWriter", "CPI Internal Error",
-                      {"Null output buffer pointer"});
-}
-
-// Expected bytes from the published CCSID 37 table and the UTF-8 and UTF-16 definitions.
+// Bytes from the CCSID 37 table and the UTF definitions, through appendStr, the cache and writeStr.
+// Code page 0 stands for UTF-8 and a negative endian for little-endian.
 TEST(TextBufferWriter, ConvertsIntoTheCodePageWhicheverWayTheTextGoesIn) {
-  struct Case {
-    const char* name;
-    std::int32_t codepage;
-    EEndian endian;
-    const char16_t* text;
-    const char* bytes;
+  const std::tuple<std::int32_t, int, std::u16string_view, std::string_view> cases[] = {
+      {37, B, u"Hello, 1!\u20ac", "\xC8\x85\x93\x93\x96\x6B\x40\xF1\x5A\x3F"sv},
+      {0, -1, u"a\u00e9\u20ac\U0001F600", "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"sv},
+      {1200, -7, u"A\u20ac\U0001F600", "A\0\xAC\x20\x3D\xD8\0\xDE"sv},
+      {17584, B, u"A\u20ac\U0001F600", "\0A\x20\xAC\xD8\x3D\xDE\0"sv},
   };
-  const Case cases[] = {
-      {"EBCDIC", 37, BigEndian, u"Hello, 1!", "C8 85 93 93 96 6B 40 F1 5A"},
-      {"EBCDIC substitutes what it lacks", 37, BigEndian, u"\u20ac", "3F"},
-      {"UTF-8 multi-byte", 1208, LittleEndian, u"a\u00e9\u20ac", "61 C3 A9 E2 82 AC"},
-      {"UTF-8 outside the BMP", 1208, LittleEndian, u"\U0001F600", "F0 9F 98 80"},
-      {"UTF-16LE", 1200, LittleEndian, u"A\u20ac", "41 00 AC 20"},
-      {"UTF-16BE", 13488, BigEndian, u"A\u20ac", "00 41 20 AC"},
-      {"UTF-16LE outside the BMP", 1200, LittleEndian, u"\U0001F600", "3D D8 00 DE"},
-      {"UTF-16BE outside the BMP", 17584, BigEndian, u"\U0001F600", "D8 3D DE 00"},
-  };
-  const std::function<void(TextBufferWriter&, const char16_t*)> ways[] = {
-      [](TextBufferWriter& writer, const char16_t* text) { writer.appendStr(text); },
-      [](TextBufferWriter& writer, const char16_t* text) {
-        writer.appendStrCache(text);
-        writer.flush();
-      },
-      [](TextBufferWriter& writer, const char16_t* text) {
-        writer.writeStr(text, static_cast<std::int32_t>(std::char_traits<char16_t>::length(text)),
-                        0);
-      },
-  };
-  for (const Case& c : cases) {
-    for (std::size_t way = 0; way < std::size(ways); ++way) {
-      SCOPED_TRACE(std::string(c.name) + ", way " + std::to_string(way));
+  for (const auto& [codepage, endian, text, expected] : cases) {
+    for (int way = 0; way < 3; ++way) {
+      SCOPED_TRACE(std::to_string(codepage) + ", way " + std::to_string(way));
       ReadWriteByteBuffer buffer;
-      TextBufferWriter writer(&buffer, c.codepage, c.endian);
-      ways[way](writer, c.text);
-      EXPECT_EQ(hex(buffer), c.bytes);
-      EXPECT_FALSE(buffer.isLocked());
+      TextBufferWriter writer(&buffer, codepage, static_cast<EEndian>(endian));
+      if (way == 0) writer.appendStr(text.data());
+      if (way == 1) writer.appendStrCache(text.data());
+      if (way == 2) writer.writeStr(text.data(), static_cast<std::int32_t>(text.size()), 0);
+      writer.flush();
+      EXPECT_EQ(bytes(buffer), expected);
     }
   }
+  ReadWriteByteBuffer buffer;
+  const TextBufferWriter defaults(&buffer, 0, static_cast<EEndian>(-1));
+  EXPECT_EQ(defaults.getCodepage(), 1208);
+  EXPECT_EQ(defaults.getEndian(), L);
+  EXPECT_THROW(TextBufferWriter(&buffer, 99999, B), ZanRecoverableException);
+  EXPECT_THROW(TextBufferWriter(&buffer, 1200, static_cast<EEndian>(0)), ZanRecoverableException);
 }
 
-// EBCDIC, one byte per unit: what left the cache is what the buffer holds.
+// EBCDIC, one byte per unit: 'a' x cached, then 'b' x piece; the buffer holds `written` bytes.
 TEST(TextBufferWriter, CacheHoldsAtMost1024UnitsAndFlushesBeforeOverflowing) {
-  struct Case {
-    const char* name;
-    std::int32_t cached;   // units of 'a' cached first
-    std::int32_t piece;    // units of 'b' appended next
-    std::int32_t written;  // bytes in the buffer just after
-  };
-  const Case cases[] = {
-      {"piece fills an empty cache exactly", 0, 1024, 0},
-      {"piece fills a partial cache exactly", 1000, 24, 0},
-      {"one unit past a full cache", 1024, 1, 1024},
-      {"one unit past a partial cache", 1000, 25, 1000},
-      {"long piece into an empty cache", 0, 1025, 1025},
-      {"long piece after cached text", 3, 1025, 1028},
-      {"full-size piece after cached text", 1, 1024, 1},
-      {"empty piece into a full cache", 1024, 0, 0},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+  const std::tuple<std::int32_t, std::int32_t, std::int32_t> cases[] = {
+      {0, 1024, 0}, {1000, 24, 0}, {1024, 1, 1024}, {1024, 0, 0}, {3, 1025, 1028}, {1, 1024, 1}};
+  for (const auto& [cached, piece, written] : cases) {
+    SCOPED_TRACE(std::to_string(cached) + " + " + std::to_string(piece));
     ReadWriteByteBuffer buffer;
-    TextBufferWriter writer(&buffer, 37, BigEndian);
-    const std::u16string before(static_cast<std::size_t>(c.cached), u'a');
-    const std::u16string piece(static_cast<std::size_t>(c.piece), u'b');
-    writer.appendStrCache(before.data(), c.cached);
-    ASSERT_EQ(buffer.getLength(), 0);
-    writer.appendStrCache(piece.data(), c.piece);
-    EXPECT_EQ(buffer.getLength(), c.written);
+    TextBufferWriter writer(&buffer, 37, B);
+    const auto a = static_cast<std::size_t>(cached), b = static_cast<std::size_t>(piece);
+    writer.appendStrCache(std::u16string(a, u'a').data(), cached);
+    writer.appendStrCache(std::u16string(b, u'b').data(), piece);
+    EXPECT_EQ(buffer.getLength(), written);
     writer.flush();
-    const std::string expected = std::string(static_cast<std::size_t>(c.cached), '\x81') +  // 'a'
-                                 std::string(static_cast<std::size_t>(c.piece), '\x82');    // 'b'
-    EXPECT_EQ(contents(buffer), expected);
+    EXPECT_EQ(bytes(buffer), std::string(a, '\x81') + std::string(b, '\x82'));
   }
 }
 
-// Every case starts from "XY" in the buffer and "abc" in the cache (UTF-8).
+// From "XY" in the buffer and "abc" cached (UTF-8): the bytes right after, then after a flush.
 TEST(TextBufferWriter, BufferOperationsFlushTheCacheExactlyWhereTheyLookAtTheBytes) {
-  struct Case {
-    const char* name;
-    std::function<void(TextBufferWriter&)> operation;
-    const char* rightAfter;
-    const char* afterFlush;
-  };
   const ReadOnlyByteBuffer bangBytes("!!", 2);
-  TextBufferReader bang(&bangBytes, 1208, LittleEndian);
-  const Case cases[] = {
-      {"append", [](TextBufferWriter& w) { w.append("!!", 2); }, "XYabc!!", "XYabc!!"},
-      {"write", [](TextBufferWriter& w) { w.write("Z", 1, 0); }, "ZYabc", "ZYabc"},
-      {"appendLock",
-       [](TextBufferWriter& w) {
-         std::memcpy(w.appendLock(2), "12", 2);
-         EXPECT_TRUE(w.release(2));
-       },
-       "XYabc12", "XYabc12"},
-      {"getLength", [](TextBufferWriter& w) { EXPECT_EQ(w.getLength(), 5); }, "XYabc", "XYabc"},
-      {"writeStr", [](TextBufferWriter& w) { w.writeStr(u"Z", 1, 3); }, "XYaZc", "XYaZc"},
-      {"appendStr bypasses", [](TextBufferWriter& w) { w.appendStr(u"!!"); }, "XY!!", "XY!!abc"},
-      {"appendBuf bypasses", [&](TextBufferWriter& w) { w.appendBuf(&bang, 0, 2); }, "XY!!",
-       "XY!!abc"},
-      {"reset", [](TextBufferWriter& w) { w.reset(); }, "", "abc"},
-      {"truncate", [](TextBufferWriter& w) { w.truncate(1); }, "X", "Xabc"},
-      {"release unlocked", [](TextBufferWriter& w) { EXPECT_FALSE(w.release(2)); }, "XY", "XYabc"},
+  TextBufferReader bang(&bangBytes, 1208, L);
+  const std::tuple<std::function<void(TextBufferWriter&)>, const char*, const char*> cases[] = {
+      {[](auto& w) { w.append("!!", 2); }, "XYabc!!", "XYabc!!"},
+      {[](auto& w) { w.write("Z", 1, 0); }, "ZYabc", "ZYabc"},
+      {[](auto& w) { EXPECT_TRUE((*w.appendLock(1) = '1') && w.release(1)); }, "XYabc1", "XYabc1"},
+      {[](auto& w) { EXPECT_EQ(w.getLength(), 5); }, "XYabc", "XYabc"},
+      {[](auto& w) { w.writeStr(u"Z", 1, 3); }, "XYaZc", "XYaZc"},
+      {[](auto& w) { w.appendStr(u"!!"); }, "XY!!", "XY!!abc"},
+      {[&](auto& w) { w.appendBuf(&bang, 0, 2); }, "XY!!", "XY!!abc"},
+      {[](auto& w) { w.reset(); }, "", "abc"},
+      {[](auto& w) { w.truncate(1); }, "X", "Xabc"},
+      {[](auto& w) { EXPECT_FALSE(w.release(2)); }, "XY", "XYabc"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& [operation, rightAfter, afterFlush] : cases) {
+    SCOPED_TRACE(afterFlush);
     ReadWriteByteBuffer buffer("XY", 2);
-    TextBufferWriter writer(&buffer, 1208, LittleEndian);
+    TextBufferWriter writer(&buffer, 1208, L);
     writer.appendStrCache(u"abc");
-    c.operation(writer);
-    EXPECT_EQ(contents(buffer), c.rightAfter);
+    operation(writer);
+    EXPECT_EQ(bytes(buffer), rightAfter);
     writer.flush();
-    EXPECT_EQ(contents(buffer), c.afterFlush);
+    EXPECT_EQ(bytes(buffer), afterFlush);
   }
 }
 
-TEST(TextBufferWriter, DestructionDropsTheCache) {
+TEST(TextBufferWriter, CopiesShareTheConverterAndDestructionDropsTheCache) {
   ReadWriteByteBuffer buffer;
-  { TextBufferWriter(&buffer, 37, BigEndian).appendStrCache(u"lost"); }
+  { TextBufferWriter(&buffer, 37, B).appendStrCache(u"lost"); }
   EXPECT_EQ(buffer.getLength(), 0);
-}
-
-TEST(TextBufferWriter, CopiesShareTheConverterAndOutliveTheOriginal) {
-  ReadWriteByteBuffer buffer;
-  auto original = std::make_unique<TextBufferWriter>(&buffer, 1208, LittleEndian);
+  auto original = std::make_unique<TextBufferWriter>(&buffer, 1208, L);
   original->appendStrCache(u"a");
   TextBufferWriter copy(*original);
-  TextBufferWriter assigned(&buffer, 37, BigEndian);
-  assigned = copy;
   EXPECT_EQ(copy.getConverter(), original->getConverter());
-  EXPECT_EQ(assigned.getConverter(), original->getConverter());
+  original->flush();
   original.reset();
-  // Each copy took its own cache along.
-  copy.appendStrCache(u"\u00e9");
+  copy.appendStrCache(u"\u00e9");  // the copy took its own cache along
   copy.flush();
-  assigned.flush();
-  EXPECT_EQ(hex(buffer), "61 C3 A9 61");
+  EXPECT_EQ(bytes(buffer), "aa\xC3\xA9");
 }
 
-TEST(TextBufferWriter, TargetTooSmallFailsAndLeavesNothingForTheNextConversion) {
-  ReadWriteByteBuffer buffer;
-  TextBufferWriter writer(&buffer, 1208, LittleEndian);
-  char target[1];
-  int targetLength = 1;
-  expectWriterFailure([&] { writer.fromUnicode(target, &targetLength, u"\u00e9", 1); },
-                      "TextBufferWriter::fromUnicode", "error convering from unicode", {"15"});
-  EXPECT_EQ(targetLength, 1);
-  // The tail of the character that did not fit must not open the next conversion.
-  writer.appendStr(u"AB");
-  EXPECT_EQ(hex(buffer), "41 42");
-}
-
-TEST(TextBufferWriter, RefusesBadArguments) {
-  ReadWriteByteBuffer buffer("XY", 2);
-  TextBufferWriter writer(&buffer, 37, BigEndian);
-  writer.appendStrCache(u"a");
-  int size = 4;
-  char target[4];
-  struct Case {
-    const char* function;
-    std::function<void()> operation;
-    std::vector<std::string> inserts;
-  };
-  const Case cases[] = {
-      {"TextBufferWriter::appendStrCache",
-       [&] { writer.appendStrCache(u"a", -1); },
-       {"Invalid input length: ", "-1"}},
-      {"TextBufferWriter::appendStr",
-       [&] { writer.appendStr(nullptr, 2); },
-       {"Null input pointer"}},
-      {"TextBufferWriter::appendStr",
-       [&] { writer.appendStr(u"a", -3); },
-       {"Invalid input length: ", "-3"}},
-      {"TextBufferWriter::appendStr",
-       [&] { writer.appendStr(u"a", INT32_MAX); },
-       {"Invalid input length: ", "2147483647"}},
-      {"TextBufferWriter::writeStr",
-       [&] { writer.writeStr(u"a", INT32_MAX, 0); },
-       {"Invalid input length: ", "2147483647"}},
-      {"TextBufferWriter::writeStr",
-       [&] { writer.writeStr(nullptr, 1, 0); },
-       {"Null input pointer"}},
-      {"TextBufferWriter::writeStr",
-       [&] { writer.writeStr(u"a", -1, 0); },
-       {"Invalid input length: ", "-1"}},
-      {"TextBufferWriter::fromUnicode",
-       [&] { writer.fromUnicode(target, nullptr, u"a", 1); },
-       {"Null output buffer pointer"}},
-      {"TextBufferWriter::fromUnicode",
-       [&] { writer.fromUnicode(nullptr, &size, u"a", 1); },
-       {"Null output buffer pointer"}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.function);
-    expectWriterFailure(c.operation, c.function, "CPI Internal Error", c.inserts);
-  }
-  // Nothing was written and the cached text is still there.
-  EXPECT_EQ(contents(buffer), "XY");
-  writer.flush();
-  EXPECT_EQ(hex(buffer), "58 59 81");
-}
-
-std::vector<unsigned char> bytesOf(const char* hexText) {
-  std::vector<unsigned char> bytes;
-  for (const char* p = hexText; *p != '\0'; p += p[2] == '\0' ? 2 : 3) {
-    bytes.push_back(static_cast<unsigned char>(std::stoi(std::string(p, 2), nullptr, 16)));
-  }
-  return bytes;
-}
-
-// The two copies "as always written" are kept on purpose: UTF-16 from a reader of another code page
-// loses its second half, and UTF-16 between byte orders repeats the second byte of each pair.
-// Other expected bytes from the CCSID 37 table and the UTF-8 and UTF-16 definitions.
-TEST(TextBufferWriterAppendBuf, CopiesARangeOfTheReadersBytesRecodingWhenTheCodePagesDiffer) {
-  struct Case {
-    const char* name;
-    std::int32_t readerCodepage;
-    EEndian readerEndian;
-    const char* readerBytes;
-    std::int32_t start;
-    std::int32_t end;
-    std::int32_t writerCodepage;
-    EEndian writerEndian;
-    const char* written;
-  };
-  const Case cases[] = {
-      {"EBCDIC to UTF-8", 37, BigEndian, "C8 85 93 93 96", 0, 5, 1208, LittleEndian,
-       "48 65 6C 6C 6F"},
-      {"inner range", 37, BigEndian, "C8 85 93 93 96", 1, 3, 1208, LittleEndian, "65 6C"},
-      {"equal offsets", 37, BigEndian, "C8 85", 1, 1, 1208, LittleEndian, ""},
-      {"UTF-8 outside the BMP to UTF-16BE", 1208, LittleEndian, "C3 A9 E2 82 AC F0 9F 98 80", 0, 9,
-       1200, BigEndian, "00 E9 20 AC D8 3D DE 00"},
-      {"UTF-16LE to EBCDIC: first half", 1200, LittleEndian, "41 00 42 00 43 00 44 00", 0, 8, 37,
-       BigEndian, "C1 C2"},
-      {"UTF-16BE read in host order", 13488, BigEndian, "00 41 00 42 00 43 00 44", 0, 8, 1208,
-       LittleEndian, "E4 84 80 E4 88 80"},
-      {"UTF-16 under four bytes", 1200, LittleEndian, "41 00 42", 0, 3, 37, BigEndian, ""},
-      {"same code page", 37, BigEndian, "C8 85 93", 0, 3, 37, LittleEndian, "C8 85 93"},
-      {"same UTF-16 and byte order", 1200, BigEndian, "00 41 00 42", 0, 4, 1200, BigEndian,
-       "00 41 00 42"},
-      {"UTF-16 between byte orders", 1200, LittleEndian, "41 00 42 00", 0, 4, 1200, BigEndian,
-       "00 00 00 00"},
-      {"UTF-16 between byte orders, odd end", 17584, BigEndian, "00 41 00 42 05", 0, 5, 17584,
-       LittleEndian, "41 41 42 42 05"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const std::vector<unsigned char> bytes = bytesOf(c.readerBytes);
-    const ReadOnlyByteBuffer source(bytes.data(), static_cast<std::int32_t>(bytes.size()));
-    TextBufferReader reader(&source, c.readerCodepage, c.readerEndian);
-    ReadWriteByteBuffer buffer;
-    TextBufferWriter writer(&buffer, c.writerCodepage, c.writerEndian);
-    writer.appendBuf(&reader, c.start, c.end);
-    EXPECT_EQ(hex(buffer), c.written);
-    EXPECT_EQ(reader.getCurrentOffset(), 0);
-  }
-}
-
-// Long enough for several chunks and for the buffer to move while its own bytes are copied.
-TEST(TextBufferWriterAppendBuf, CopiesFromItsOwnBufferAcrossChunks) {
-  const std::string text(3000, 'x');
-  for (const EEndian readerEndian : {BigEndian, LittleEndian}) {
-    SCOPED_TRACE(readerEndian);
-    ReadWriteByteBuffer buffer(text.data(), 3000);
-    TextBufferReader reader(&buffer, 1200, readerEndian);
-    TextBufferWriter writer(&buffer, 1200, BigEndian);
-    writer.appendBuf(&reader, 0, 3000);
-    EXPECT_EQ(contents(buffer), text + text);
-  }
-}
-
-TEST(TextBufferWriterAppendBuf, RefusesRangesOutsideTheReadersBuffer) {
-  const ReadOnlyByteBuffer source("abcd", 4);
-  TextBufferReader reader(&source, 1208, LittleEndian);
-  ReadWriteByteBuffer buffer;
-  TextBufferWriter writer(&buffer, 1208, LittleEndian);
-  struct Case {
-    const char* name;
-    std::int32_t start;
-    std::int32_t end;
-  };
-  const Case cases[] = {{"end before start", 3, 2},
-                        {"end past the buffer", 0, 5},
-                        {"negative start", -1, 2},
-                        {"both past the buffer", 5, 5},
-                        {"widest range", INT32_MIN, INT32_MAX}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    expectWriterFailure([&] { writer.appendBuf(&reader, c.start, c.end); },
-                        "TextBufferWriter::appendBuf", "Cannot write past the end of buffer", {});
-  }
-  expectWriterFailure([&] { writer.appendBuf(nullptr, 0, 0); }, "TextBufferWriter::appendBuf",
-                      "CPI Internal Error", {"Null input pointer"});
-  EXPECT_EQ(buffer.getLength(), 0);
-}
-
-// A buffer that locks but gives no room: the failure must not leave it locked.
+// A buffer that locks but gives no room.
 class NoRoomBuffer : public ReadWriteByteBuffer {
  public:
   unsigned char* appendLock(std::int32_t length) override {
@@ -382,24 +127,102 @@ class NoRoomBuffer : public ReadWriteByteBuffer {
   }
 };
 
-TEST(TextBufferWriter, FailedAppendLeavesTheBufferUnlocked) {
-  NoRoomBuffer buffer;
-  TextBufferWriter writer(&buffer, 37, BigEndian);
-  expectWriterFailure([&] { writer.appendStr(u"abc"); }, "TextBufferWriter::fromUnicode",
-                      "CPI Internal Error", {"Null output buffer pointer"});
-  EXPECT_FALSE(buffer.isLocked());
-  EXPECT_EQ(buffer.getLength(), 0);
+// Every failure leaves the buffer's "XY" and the cached "a" as they were, and no buffer locked.
+TEST(TextBufferWriter, RefusesBadArgumentsLeavingBufferAndCacheAlone) {
+  ReadWriteByteBuffer buffer("XY", 2);
+  TextBufferWriter w(&buffer, 1208, L);
+  w.appendStrCache(u"a");
+  NoRoomBuffer noRoom;
+  TextBufferWriter n(&noRoom, 37, B);  // one byte a unit: INT32_MAX overflows by the slack
+  const ReadOnlyByteBuffer abcd("abcd", 4);
+  TextBufferReader r(&abcd, 1208, L);
+  int four = 4, one = 1, minus = -1;
+  char t[4];
+  const std::string cpi = "CPI Internal Error", past = "Cannot write past the end of buffer";
+  const std::string conv = "error convering from unicode", null = "Null output buffer pointer";
+  const std::string badLength = "Invalid input length: ", badOut = "Invalid output buffer length: ";
+  const std::tuple<std::string, std::string, std::function<void()>, std::vector<std::string>>
+      cases[] = {
+          {"TextBufferWriter", cpi, [] { TextBufferWriter(nullptr, 37, B); }, {null}},
+          {"appendStrCache", cpi, [&] { w.appendStrCache(u"a", -1); }, {badLength, "-1"}},
+          {"appendStr", cpi, [&] { w.appendStr(nullptr, 2); }, {"Null input pointer"}},
+          {"appendStr", cpi, [&] { w.appendStr(u"a", -3); }, {badLength, "-3"}},
+          {"appendStr", cpi, [&] { n.appendStr(u"a", INT32_MAX); }, {badLength, "2147483647"}},
+          {"writeStr", cpi, [&] { n.writeStr(u"a", INT32_MAX, 0); }, {badLength, "2147483647"}},
+          {"writeStr", cpi, [&] { w.writeStr(nullptr, 1, 0); }, {"Null input pointer"}},
+          {"fromUnicode", cpi, [&] { w.fromUnicode(t, nullptr, u"a", 1); }, {null}},
+          {"fromUnicode", cpi, [&] { w.fromUnicode(nullptr, &four, u"a", 1); }, {null}},
+          {"fromUnicode", cpi, [&] { w.fromUnicode(t, &minus, u"a", 1); }, {badOut, "-1"}},
+          {"fromUnicode", cpi, [&] { n.appendStr(u"abc"); }, {null}},
+          // Too small: the tail of the character left in the converter must be dropped.
+          {"fromUnicode", conv, [&] { w.fromUnicode(t, &one, u"\u00e9", 1); }, {"15"}},
+          {"appendBuf", cpi, [&] { w.appendBuf(nullptr, 0, 0); }, {"Null input pointer"}},
+          {"appendBuf", past, [&] { w.appendBuf(&r, 3, 2); }, {}},
+          {"appendBuf", past, [&] { w.appendBuf(&r, 0, 5); }, {}},
+          {"appendBuf", past, [&] { w.appendBuf(&r, -1, 2); }, {}},
+          {"appendBuf", past, [&] { w.appendBuf(&r, 5, 5); }, {}},
+          {"appendBuf", past, [&] { w.appendBuf(&r, INT32_MIN, INT32_MAX); }, {}},
+      };
+  for (const auto& [function, text, operation, inserts] : cases) {
+    SCOPED_TRACE(function);
+    expectFailure<ZanConversionException>(operation, kInternal.symbol, kInternal.messageNumber,
+                                          text, "textbffr", "TextBufferWriter::" + function,
+                                          inserts);
+  }
+  EXPECT_EQ(one, 1);
+  EXPECT_FALSE(noRoom.isLocked());
+  EXPECT_EQ(bytes(buffer), "XY");
+  w.flush();
+  EXPECT_EQ(bytes(buffer), "XYa");
 }
 
-TEST(TextBufferWriter, AppendStrTracesItsInputAtDebugLevel) {
+// Kept as always written: UTF-16 from another code page loses its second half, read in host order;
+// UTF-16 between byte orders repeats each pair's second byte (an odd last byte copied as is).
+TEST(TextBufferWriterAppendBuf, CopiesARangeRecodingWhenTheCodePagesDifferEvenFromItsOwnBuffer) {
+  const std::tuple<std::int32_t, EEndian, std::string_view, std::int32_t, std::int32_t,
+                   std::int32_t, EEndian, std::string_view>
+      cases[] = {
+          {37, B, "\xC8\x85\x93\x93\x96"sv, 1, 3, 1208, L, "el"sv},
+          {37, B, "\xC8\x85"sv, 1, 1, 1208, L, ""sv},
+          {1208, L, "\xC3\xA9\xF0\x9F\x98\x80"sv, 0, 6, 1200, B, "\0\xE9\xD8\x3D\xDE\0"sv},
+          {1200, L, "A\0B\0C\0D\0"sv, 0, 8, 37, B, "\xC1\xC2"sv},
+          {13488, B, "\0A\0B\0C\0D"sv, 0, 8, 1208, L, "\xE4\x84\x80\xE4\x88\x80"sv},
+          {1200, L, "A\0B"sv, 0, 3, 37, B, ""sv},
+          {37, B, "\xC8\x85\x93"sv, 0, 3, 37, L, "\xC8\x85\x93"sv},
+          {1200, B, "\0A\0B"sv, 0, 4, 1200, B, "\0A\0B"sv},
+          {1200, L, "A\0B\0"sv, 0, 4, 1200, B, "\0\0\0\0"sv},
+          {17584, B, "\0A\0B\x05"sv, 0, 5, 17584, L, "AABB\x05"sv},
+      };
+  for (const auto& [readerCp, readerEndian, input, start, end, writerCp, writerEndian, written] :
+       cases) {
+    SCOPED_TRACE(written);
+    const ReadOnlyByteBuffer source(input.data(), static_cast<std::int32_t>(input.size()));
+    TextBufferReader reader(&source, readerCp, readerEndian);
+    ReadWriteByteBuffer buffer;
+    TextBufferWriter writer(&buffer, writerCp, writerEndian);
+    writer.appendBuf(&reader, start, end);
+    EXPECT_EQ(bytes(buffer), written);
+    EXPECT_EQ(reader.getCurrentOffset(), 0);
+  }
+  // Several chunks, the buffer moving while its own bytes are copied; pairs of equal bytes.
+  std::string text(3000, ' ');
+  for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>('a' + i / 2 % 26);
+  for (const EEndian readerEndian : {B, L}) {
+    ReadWriteByteBuffer buffer(text.data(), 3000);
+    TextBufferReader reader(&buffer, 1200, readerEndian);
+    TextBufferWriter writer(&buffer, 1200, B);
+    writer.appendBuf(&reader, 0, 3000);
+    EXPECT_EQ(bytes(buffer), text + text) << readerEndian;
+  }
+}
+
+TEST(TextBufferWriter, AppendStrTracesTheLengthGivenNotTheTextUpToANul) {
   ReadWriteByteBuffer buffer;
-  TextBufferWriter writer(&buffer, 37, BigEndian);
+  TextBufferWriter writer(&buffer, 37, B);
   CapturingSink sink(4);
   writer.appendStr(u"Hi!", 2);
   const auto records = sink.ofKind(ZanLog::Kind::debugTrace);
   ASSERT_EQ(records.size(), 1u);
-  EXPECT_EQ(records[0].function, "TextBufferWriter::appendStr");
-  EXPECT_EQ(records[0].text, "Buffer and size");
   EXPECT_EQ(records[0].inserts, (std::vector<std::string>{"Hi", "2"}));
 }
 
