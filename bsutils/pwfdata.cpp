@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "cpdebugtrace.h"
 #include "cpraise.h"
@@ -134,7 +135,32 @@ PWFData& PWFData::operator=(const PWFData& other) {
   return *this;
 }
 
+PWFData::PWFData(PWFData&& other) noexcept
+    : type_(other.type_), null_(other.null_), text_(std::move(other.text_)), value_(other.value_) {
+  other.becomeNothing();
+}
+
+PWFData& PWFData::operator=(PWFData&& other) noexcept {
+  if (this != &other) {
+    releaseBinary();
+    type_ = other.type_;
+    null_ = other.null_;
+    text_ = std::move(other.text_);
+    value_ = other.value_;
+    other.becomeNothing();
+  }
+  return *this;
+}
+
 PWFData::~PWFData() { releaseBinary(); }
+
+// What a default-constructed value holds, and nothing to release.
+void PWFData::becomeNothing() {
+  type_ = eNothing;
+  null_ = false;
+  text_.clear();
+  value_ = Value{};
+}
 
 // The general construction rule.
 void PWFData::init(const void* data, std::int32_t length, ELogicalType type, EOwnership ownership) {

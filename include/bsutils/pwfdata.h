@@ -119,6 +119,10 @@ class PWFData {
   // borrowed binary stays borrowed by both.
   PWFData(const PWFData& other);
   PWFData& operator=(const PWFData& other);
+  // A move takes the text and any binary buffer with its ownership; the value moved from is left
+  // as nothing.
+  PWFData(PWFData&& other) noexcept;
+  PWFData& operator=(PWFData&& other) noexcept;
   ~PWFData();
 
   ELogicalType getDataLogicalType() const { return type_; }
@@ -190,6 +194,7 @@ class PWFData {
   void initBinary(const void* data, std::int32_t length, EOwnership ownership);
   static Value copiedValue(const PWFData& source);
   void releaseBinary();
+  void becomeNothing();
   void traceLogicalType(const char* function) const;
   void requireType(ELogicalType type, const char* function, const char* mismatch) const;
   void requireNotNull(const char* function, const char* insert) const;
