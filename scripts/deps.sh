@@ -1,7 +1,8 @@
 # Sourced by the project's commands: makes sure the Debian packages the build needs are present,
 # installing the missing ones when run as root.
 
-BSUTILS_PACKAGES=(cmake make g++ pkg-config libicu-dev libgtest-dev libbenchmark-dev)
+BSUTILS_PACKAGES=(cmake make g++ pkg-config libicu-dev libgtest-dev libbenchmark-dev libcli11-dev
+  nlohmann-json3-dev)
 
 ensure_packages() {
   local missing=() package
