@@ -366,9 +366,10 @@ bool runDemo(const fs::path& dir, bool asJson) {
   if (asJson) {
     std::cout << decodedRecords(layout, checks).dump(2) << '\n';
   } else {
-    std::cout << "Sample records: " << (dir / kBinaryFile).string() << ", " << checks.size()
-              << " records of " << recordLength << " bytes\nConverter: CCSID " << layout.ccsid
-              << ", " << (layout.endian == BigEndian ? "big" : "little") << "-endian, "
+    // The directory differs from machine to machine; the file name is what the reader needs.
+    std::cout << "Sample records: " << kBinaryFile << ", " << checks.size() << " records of "
+              << recordLength << " bytes\nConverter: CCSID " << layout.ccsid << ", "
+              << (layout.endian == BigEndian ? "big" : "little") << "-endian, "
               << (layout.floatFormat == HFPFloat ? "HFP" : "IEEE") << " floats\n";
     printTables(layout, bytes, checks);
     if (!checks.empty()) {
