@@ -25,6 +25,13 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// A command that cannot finish for a reason that is not a library failure (the demo's records
+// differ from their JSON, standard output cannot be written): "bsconv: <what>", exit status 1.
+class CommandFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // Each adds its subcommands to `app`; their callbacks run the command and throw UsageError or the
 // library's ZanException.
 void addFieldCommands(CLI::App& app);    // decode, encode

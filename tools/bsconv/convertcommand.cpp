@@ -14,7 +14,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <memory>
@@ -192,11 +191,9 @@ bool isUnicode(Framing framing) {
   throw failure;
 }
 
-// Neither a usage error nor a conversion failure, but the conversion cannot go on: one line and
-// status 1.
+// Neither a usage error nor a conversion failure, but the conversion cannot go on.
 [[noreturn]] void failStream(const char* what) {
-  std::cerr << "bsconv: " << what << ": " << std::strerror(errno) << '\n';
-  std::exit(kExitConversionFailure);
+  throw CommandFailure(std::string(what) + ": " + std::strerror(errno));
 }
 
 std::string codePointText(const char16_t* units, std::int32_t count, std::int32_t at) {

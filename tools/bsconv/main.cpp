@@ -20,6 +20,10 @@ int main(int argc, char** argv) {
   } catch (const UsageError& error) {
     std::cerr << "bsconv: " << error.what() << '\n';
     return kExitUsage;
+  } catch (const CommandFailure& failure) {
+    std::cout.flush();
+    std::cerr << "bsconv: " << failure.what() << '\n';
+    return kExitConversionFailure;
   } catch (const ZanException& failure) {
     std::cerr << failureLine(failure) << '\n';
     return kExitConversionFailure;
