@@ -143,19 +143,26 @@ void requireScale(const DataCnv* source, const char* function, std::int32_t scal
   }
 }
 
+// The readers' argument checks; each names a null source in its own words.
+void checkIntegerSource(const DataCnv* cnv, const char* function, const char* nullMessage,
+                        const unsigned char* source, std::int32_t length, bool eightAllowed) {
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, nullMessage);
+  }
+  if (!isIntegerSize(length, eightAllowed)) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
+             "Invalid integer size: ", length);
+  }
+}
+
 }  // namespace
 
 std::int32_t DataCnv::IntToInt32(const unsigned char* source, std::int32_t length, ESign sign) {
   constexpr const char* kFunction = "DataCnv::IntToInt32";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, sign);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "DataCnv::IntToInt32 called with a Null input pointer for the source.");
-  }
-  if (!isIntegerSize(length, false)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid integer size: ", length);
-  }
+  checkIntegerSource(this, kFunction,
+                     "DataCnv::IntToInt32 called with a Null input pointer for the source.", source,
+                     length, false);
   const std::uint64_t value = loadInteger(source, length, endian_);
   const bool isSigned = sign == eLeadingEmbeddedSign;
   if (length == 4 && !isSigned && value > static_cast<std::uint64_t>(kInt32Max)) {
@@ -169,14 +176,8 @@ std::int32_t DataCnv::IntToInt32(const unsigned char* source, std::int32_t lengt
 std::int64_t DataCnv::IntToInt64(const unsigned char* source, std::int32_t length, ESign sign) {
   constexpr const char* kFunction = "DataCnv::IntToInt64";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, sign);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null input pointer passed into DataCnv::IntToInt64");
-  }
-  if (!isIntegerSize(length, true)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid integer size: ", length);
-  }
+  checkIntegerSource(this, kFunction, "Null input pointer passed into DataCnv::IntToInt64", source,
+                     length, true);
   const std::uint64_t value = loadInteger(source, length, endian_);
   const bool isSigned = sign == eLeadingEmbeddedSign;
   if (length == 8 && !isSigned && value > static_cast<std::uint64_t>(kInt64Max)) {
@@ -189,13 +190,7 @@ std::int64_t DataCnv::IntToInt64(const unsigned char* source, std::int32_t lengt
 std::uint64_t DataCnv::UIntToUInt64(const unsigned char* source, std::int32_t length) {
   constexpr const char* kFunction = "DataCnv::UIntToUInt64";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
-  if (!isIntegerSize(length, true)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid integer size: ", length);
-  }
+  checkIntegerSource(this, kFunction, "Null input pointer", source, length, true);
   return trace.result(loadInteger(source, length, endian_));
 }
 
