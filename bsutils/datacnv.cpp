@@ -104,13 +104,8 @@ std::int32_t DataCnv::getEncoding(EEndian endian, EFloatFmt floatFormat) {
 
 void DataCnv::SwapEnds(unsigned char* output, const unsigned char* input, std::int32_t length) {
   constexpr const char* kFunction = "DataCnv::SwapEnds";
-  if (input == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, nullptr, nullptr, "Null input pointer");
-  }
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, nullptr, nullptr,
-             "Null output buffer pointer");
-  }
+  requireInputPointer(nullptr, kFunction, input);
+  requireOutputBuffer(nullptr, kFunction, output);
   if (length <= 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, nullptr, nullptr,
              "Invalid input length: ", length);

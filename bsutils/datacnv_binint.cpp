@@ -118,10 +118,7 @@ void storeInteger(std::uint64_t value, unsigned char* output, std::int32_t size,
 void writeCheckedInteger(const DataCnv* source, EEndian endian, const char* function,
                          std::span<const IntegerTarget> targets, std::int64_t value,
                          unsigned char* output, std::int32_t size, bool isSigned) {
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, source, nullptr,
-             "Null output buffer pointer");
-  }
+  requireOutputBuffer(source, function, output);
   for (const IntegerTarget& target : targets) {
     if (target.size != size || target.isSigned != isSigned) continue;
     if (value < target.min || value > target.max) {
@@ -198,9 +195,7 @@ double DataCnv::IntToDbl(const unsigned char* source, std::int32_t length, std::
                          ESign sign) {
   constexpr const char* kFunction = "DataCnv::IntToDbl";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, scale, sign);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
+  requireInputPointer(this, kFunction, source);
   if (length <= 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
              "Invalid input size: ", length);
@@ -217,9 +212,7 @@ double DataCnv::IntToDbl(const unsigned char* source, std::int32_t length, std::
 PWFData DataCnv::IntToDec(const unsigned char* source, std::int32_t length, std::int32_t scale) {
   constexpr const char* kFunction = "DataCnv::IntToDec";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, scale);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
+  requireInputPointer(this, kFunction, source);
   if (length <= 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
              "Invalid input size: ", length);
@@ -259,10 +252,7 @@ void DataCnv::IntFromDbl(double value, unsigned char* output, std::int32_t& leng
                          std::int32_t scale) {
   constexpr const char* kFunction = "DataCnv::IntFromDbl";
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length, sign, scale);
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null output buffer pointer");
-  }
+  requireOutputBuffer(this, kFunction, output);
   requireScale(this, kFunction, scale);
   for (std::int32_t i = 0; i < scale; ++i) value *= 10.0;
 
@@ -302,13 +292,8 @@ void DataCnv::IntFromDec(const char16_t* decimal, unsigned char* output, std::in
   constexpr const char* kFunction = "DataCnv::IntFromDec";
   CpDebugTrace trace(kFunction, static_cast<const void*>(decimal), static_cast<const void*>(output),
                      length, scale);
-  if (decimal == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null output buffer pointer");
-  }
+  requireInputPointer(this, kFunction, decimal);
+  requireOutputBuffer(this, kFunction, output);
   if (length <= 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
              "Invalid output buffer size: ", length);

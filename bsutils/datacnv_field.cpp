@@ -125,9 +125,7 @@ std::int32_t DataCnv::TrimString(char16_t* buffer, std::int32_t length, char16_t
                                  bool padIsUnicode) {
   constexpr const char* kFunction = "DataCnv::TrimString";
   CpDebugTrace trace(kFunction, length, padChar, justification, trimType, padIsUnicode);
-  if (buffer == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
+  requireInputPointer(this, kFunction, buffer);
   if (length < 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
              "Invalid input length: ", length);

@@ -191,13 +191,8 @@ Words ieeeToHfpDouble(Words ieee) {
 // The conversions between the formats take their words through pointers; null ones are argument
 // faults like everywhere else.
 void requireWords(const char* function, const void* input, const void* output) {
-  if (input == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, nullptr, nullptr, "Null input pointer");
-  }
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, nullptr, nullptr,
-             "Null output buffer pointer");
-  }
+  requireInputPointer(nullptr, function, input);
+  requireOutputBuffer(nullptr, function, output);
 }
 
 void requireFloatSize(const DataCnv* cnv, const char* function, std::int32_t size) {
@@ -274,10 +269,7 @@ double DataCnv::FltToDbl(const unsigned char* source, std::int32_t size) {
 void DataCnv::FltFromDbl(double value, unsigned char* output, std::int32_t& size) {
   constexpr const char* kFunction = "DataCnv::FltFromDbl";
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), size);
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null output buffer pointer");
-  }
+  requireOutputBuffer(this, kFunction, output);
   if (size <= 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
              "Invalid output buffer size: ", size);
@@ -315,13 +307,8 @@ void DataCnv::FltFromDec(const char16_t* decimal, unsigned char* output, std::in
   constexpr const char* kFunction = "DataCnv::FltFromDec";
   CpDebugTrace trace(kFunction, static_cast<const void*>(decimal), static_cast<const void*>(output),
                      size, scale);
-  if (decimal == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null output buffer pointer");
-  }
+  requireInputPointer(this, kFunction, decimal);
+  requireOutputBuffer(this, kFunction, output);
   if (size <= 0) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
              "Invalid output buffer size: ", size);

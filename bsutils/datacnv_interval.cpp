@@ -174,9 +174,7 @@ class IntervalReader {
 
 PWFInterval DataCnv::StrToInterval(const char16_t* text, std::int32_t length) {
   CpDebugTrace trace(kReadFunction, static_cast<const void*>(text), length);
-  if (text == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kReadFunction, this, nullptr, "Null input pointer");
-  }
+  requireInputPointer(this, kReadFunction, text);
   if (length < -1) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kReadFunction, this, nullptr,
              "Invalid input length: ", length);
@@ -248,10 +246,7 @@ void DataCnv::StrFromInterval(const PWFInterval& interval, char16_t* out, std::i
                               bool padIsUnicode) {
   CpDebugTrace trace(kWriteFunction, interval.years, interval.months, interval.microseconds,
                      interval.negative, outLength, pad, justification, padChar, padIsUnicode);
-  if (out == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kWriteFunction, this, nullptr,
-             "Null output buffer pointer");
-  }
+  requireOutputBuffer(this, kWriteFunction, out);
   ZanStringBase text;
   std::int32_t textLength = outLength;
   StrFromInterval(interval, text, textLength, pad, justification, padChar, padIsUnicode);

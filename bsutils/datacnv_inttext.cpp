@@ -170,7 +170,7 @@ void DataCnv::integerFieldToBuffer(const char* function, const char* integerKind
                                    ESign sign, const char16_t* minus, const char16_t* plus,
                                    bool pad, EJustification justification, char16_t padChar,
                                    bool padIsUnicode) {
-  requireOutputBuffer(function, out);
+  requireOutputBuffer(this, function, out);
   storeField(integerField(function, integerKind, value, outLength, sign, minus, plus, pad,
                           justification, padChar, padIsUnicode),
              out, outLength);

@@ -319,7 +319,7 @@ void DataCnv::StrFromDbl(double value, char16_t* out, std::int32_t& outLength, E
                          const NumericTextFormat& format) {
   CpDebugTrace trace(kStrFromDbl, value, outLength, sign, pad, justification, padChar, padIsUnicode,
                      static_cast<std::int32_t>(format.form), format.decimalPlaces);
-  requireOutputBuffer(kStrFromDbl, out);
+  requireOutputBuffer(this, kStrFromDbl, out);
   checkFieldWriterArguments(kStrFromDbl, outLength, sign, minus, plus);
   checkNumericTextFormat(this, kStrFromDbl, format);
   ZanStringBase normal;
@@ -335,7 +335,7 @@ void DataCnv::StrFromDec(const ZanStringBase& decimal, char16_t* out, std::int32
                          const NumericTextFormat& format) {
   CpDebugTrace trace(kStrFromDec, decimal, outLength, sign, pad, justification, padChar,
                      padIsUnicode, static_cast<std::int32_t>(format.form), format.decimalPlaces);
-  requireOutputBuffer(kStrFromDec, out);
+  requireOutputBuffer(this, kStrFromDec, out);
   checkFieldWriterArguments(kStrFromDec, outLength, sign, minus, plus);
   checkNumericTextFormat(this, kStrFromDec, format);
   const ScannedNumber number = scanNumber(decimal, NumberGrammar{});

@@ -46,17 +46,8 @@ void checkSize(const DataCnv* cnv, const char* function, std::int32_t size) {
 
 void checkField(const DataCnv* cnv, const char* function, const unsigned char* source,
                 std::int32_t size) {
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, "Null input pointer");
-  }
+  requireInputPointer(cnv, function, source);
   checkSize(cnv, function, size);
-}
-
-void checkOutput(const DataCnv* cnv, const char* function, const void* output) {
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
-             "Null output buffer pointer");
-  }
 }
 
 // The characters of nibbles, through the hexadecimal digits: "0".."9" for digits.
@@ -307,10 +298,8 @@ void DataCnv::PckdDecFromDec(const char16_t* decimal, unsigned char* output, std
                              EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromDec";
   CpDebugTrace trace(kFunction, decimal, size, endian, scale, sign);
-  if (decimal == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
-  checkOutput(this, kFunction, output);
+  requireInputPointer(this, kFunction, decimal);
+  requireOutputBuffer(this, kFunction, output);
   packDecimalText(kFunction, ZanStringBase(decimal), output, size, endian, scale, sign);
 }
 
@@ -318,7 +307,7 @@ void DataCnv::PckdDecFromDbl(double value, unsigned char* output, std::int32_t& 
                              EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromDbl";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
-  checkOutput(this, kFunction, output);
+  requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   doubleToUString(value, text, false);
   packDecimalText(kFunction, text, output, size, endian, scale, sign);
@@ -330,7 +319,7 @@ void DataCnv::PckdDecFromInt32(std::int32_t value, unsigned char* output, std::i
                                EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromInt32";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
-  checkOutput(this, kFunction, output);
+  requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   Int64ToUString(value, text);
   packDecimalText(kFunction, text, output, size, endian, scale, sign);
@@ -340,7 +329,7 @@ void DataCnv::PckdDecFromPWFInt64(std::int64_t value, unsigned char* output, std
                                   EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromPWFInt64";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
-  checkOutput(this, kFunction, output);
+  requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   Int64ToUString(value, text);
   packDecimalText(kFunction, text, output, size, endian, scale, sign);

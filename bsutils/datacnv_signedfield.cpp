@@ -92,9 +92,15 @@ ZanStringBase DataCnv::signedField(const char* function, const char* noSignKind,
   return text;
 }
 
-void DataCnv::requireOutputBuffer(const char* function, const char16_t* out) {
-  if (out == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, this, nullptr,
+void requireInputPointer(const DataCnv* cnv, const char* function, const void* input) {
+  if (input == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, "Null input pointer");
+  }
+}
+
+void requireOutputBuffer(const DataCnv* cnv, const char* function, const void* output) {
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
              "Null output buffer pointer");
   }
 }

@@ -210,9 +210,7 @@ ZanStringBase signedIntegerText(const char16_t* digits, std::int32_t count, bool
 
 void checkZonedSource(const DataCnv* cnv, const char* function, const char* sizeMessage,
                       const unsigned char* source, std::int32_t size) {
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, "Null input pointer");
-  }
+  requireInputPointer(cnv, function, source);
   if (size < 1) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, sizeMessage, size);
   }
@@ -220,10 +218,7 @@ void checkZonedSource(const DataCnv* cnv, const char* function, const char* size
 
 void checkZonedOutput(const DataCnv* cnv, const char* function, const unsigned char* output,
                       std::int32_t size) {
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
-             "Null output buffer pointer");
-  }
+  requireOutputBuffer(cnv, function, output);
   if (size < 1) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
              "Invalid output buffer size: ", size);
@@ -700,9 +695,7 @@ void DataCnv::ExtDecFromDec(const char16_t* decimal, unsigned char* output, std:
   constexpr const char* kFunction = "DataCnv::ExtDecFromDec";
   CpDebugTrace trace(kFunction, decimal, size, scale, sign, justification, padCharacter,
                      padIsUnicode, customSignEBCDIC);
-  if (decimal == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Null input pointer");
-  }
+  requireInputPointer(this, kFunction, decimal);
   checkZonedOutput(this, kFunction, output, size);
   UStringToExtDec(ZanStringBase(decimal), output, size, scale, sign, justification, padCharacter,
                   padIsUnicode, customSignEBCDIC, positiveSigns, negativeSigns);

@@ -13,6 +13,11 @@ inline constexpr const char* kDataCnvModule = "datacnv";
 // Room for the bytes of any one character in any code page, shift bytes included.
 inline constexpr std::int32_t kCharBytesCapacity = 32;
 
+// The pointer checks most conversions start with: CP_INTERNAL_ERROR "Null input pointer" or "Null
+// output buffer pointer" under `function`; `cnv` is the log source (null for the static ones).
+void requireInputPointer(const DataCnv* cnv, const char* function, const void* input);
+void requireOutputBuffer(const DataCnv* cnv, const char* function, const void* output);
+
 // What differs between the text field readers besides their values.
 struct FieldReaderRules {
   const char* function;

@@ -753,7 +753,6 @@ class DataCnv : public ZanOwnedLogSource {
                             ZanStringBase text, bool negative, std::int32_t capacity, ESign sign,
                             const char16_t* minus, bool pad, EJustification justification,
                             char16_t padChar, bool padIsUnicode);
-  void requireOutputBuffer(const char* function, const char16_t* out);
   static void storeField(const ZanStringBase& text, char16_t* out, std::int32_t& outLength);
 
   void Int64ToUString(std::int64_t value, ZanStringBase& out);
