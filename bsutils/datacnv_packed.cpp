@@ -386,7 +386,7 @@ ZanStringBase DataCnv::tlogFieldText(const char* function, const char* kind, con
       text = value.getPWFStringValue();
       break;
     case eDecimal:
-      text = ZanStringBase(value.getDecimalValue(), value.getDecimalLength());
+      text = value.getDecimalText();
       break;
     case eInteger:
       Int64ToUString(value.getInt64Value(), text);

@@ -87,7 +87,7 @@ PWFData DataCnv::StandardStrFromData(const PWFData& value) {
       return PWFData(canonicalDoubleText(value.getDoubleValue()));
     case eDecimal: {
       ZanStringBase normal;
-      StrFromDec(ZanStringBase(value.getDecimalValue(), value.getDecimalLength()), normal);
+      StrFromDec(value.getDecimalText(), normal);
       return PWFData(normal);
     }
     case eBinary: {

@@ -440,6 +440,12 @@ const char16_t* PWFData::getDecimalValue() const {
   return trace.result(text_.data());
 }
 
+ZanStringBase PWFData::getDecimalText() const {
+  CpDebugTrace trace("PWFData::getDecimalText");
+  requireType(eDecimal, "PWFData::getDecimalText", "Logical type not equal to decimal");
+  return text_;
+}
+
 std::int32_t PWFData::getDecimalLength() const {
   CpDebugTrace trace("PWFData::getDecimalLength");
   requireType(eDecimal, "PWFData::getDecimalLength", "Logical type not equal to decimal");

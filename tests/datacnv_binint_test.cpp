@@ -329,8 +329,7 @@ TEST(DataCnvBinInt, ImpliedPlacesInDoublesAndDecimals) {
   for (const DecimalCase& c : decimals) {
     const PWFData decimal =
         cnv.IntToDec(c.bytes.data(), static_cast<std::int32_t>(c.bytes.size()), c.scale);
-    EXPECT_EQ(ZanStringBase(decimal.getDecimalValue(), decimal.getDecimalLength()).toUtf8(),
-              c.text);
+    EXPECT_EQ(decimal.getDecimalText().toUtf8(), c.text);
   }
 }
 

@@ -146,7 +146,7 @@ TEST(DataCnvFloatDecimal, ReadsAndWritesDecimalsWithTheSignBeforeTheScaledDigits
   const auto read = [](DataCnv& cnv, double value, std::int32_t size, std::int32_t scale) {
     const PWFData decimal = cnv.FltToDec(write(cnv, value, size).data(), size, scale);
     EXPECT_EQ(decimal.getDataLogicalType(), eDecimal);
-    return ZanStringBase(decimal.getDecimalValue(), decimal.getDecimalLength()).toUtf8();
+    return decimal.getDecimalText().toUtf8();
   };
   const auto fromDecimal = [](DataCnv& cnv, const char* text, std::int32_t size, int scale) {
     Bytes out(static_cast<std::size_t>(size));

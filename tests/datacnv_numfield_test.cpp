@@ -50,7 +50,7 @@ std::string readDecimal(DataCnv& cnv, const char16_t* text, const NumericTextFor
   const PWFData value =
       cnv.StrToDec(text, length(text), sign, minus, u"+", trim, just, pad, true, fmt);
   EXPECT_EQ(value.getDataLogicalType(), eDecimal);
-  return ZanStringBase(value.getDecimalValue(), value.getDecimalLength()).toUtf8();
+  return value.getDecimalText().toUtf8();
 }
 
 TEST(DataCnvNumField, ReadsFieldsOfEveryFormAndConvention) {

@@ -36,7 +36,7 @@ Bytes inOrder(const Bytes& bigEndian, EEndian endian) {
 
 std::string decimalText(const PWFData& value) {
   EXPECT_EQ(value.getDataLogicalType(), eDecimal);
-  return ZanStringBase(value.getDecimalValue(), value.getDecimalLength()).toUtf8();
+  return value.getDecimalText().toUtf8();
 }
 
 // Reads from a buffer of exactly the field's size, so that a read past it is the sanitizer's.

@@ -68,7 +68,7 @@ std::int64_t readInt(DataCnv& cnv, const Bytes& field, const Form& f) {
 std::string readDecimal(DataCnv& cnv, const Bytes& field, std::int32_t scale, const Form& f) {
   const PWFData value = cnv.ExtDecToDec(field.data(), size32(field), scale, FORM(f));
   EXPECT_EQ(value.getDataLogicalType(), eDecimal);
-  return ZanStringBase(value.getDecimalValue(), value.getDecimalLength()).toUtf8();
+  return value.getDecimalText().toUtf8();
 }
 Bytes writeInt(DataCnv& cnv, std::int64_t value, std::int32_t size, const Form& f) {
   Bytes field(static_cast<std::size_t>(size));

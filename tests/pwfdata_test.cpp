@@ -105,6 +105,9 @@ TEST(PWFData, GettersReadBackWhatWasStored) {
   EXPECT_EQ(std::u16string(decimal.getDecimalValue(),
                            static_cast<std::size_t>(decimal.getDecimalLength())),
             u"-007.50");
+  // A copy of a short text may not carry the terminator along; the text form always can.
+  const PWFData copied = decimal;
+  EXPECT_EQ(std::u16string(copied.getDecimalText().terminatedData()), u"-007.50");
 
   const PWFDateTime when{1, 2004, 2, 29, 13, 5, 9, 123, 3, 3600000, 0};
   EXPECT_EQ(PWFData(when).getDateTimeValue(), when);
@@ -161,6 +164,8 @@ TEST(PWFData, GettersRefuseOtherTypesAndNullNumerics) {
        [&] { text.getDecimalValue(); }},
       {"PWFData::getDecimalLength", "Logical type not equal to decimal",
        [&] { text.getDecimalLength(); }},
+      {"PWFData::getDecimalText", "Logical type not equal to decimal",
+       [&] { text.getDecimalText(); }},
       {"PWFData::getInt32Value", "Can't get value for null integer value",
        [] { PWFData(eInteger).getInt32Value(); }},
       {"PWFData::getInt64Value", "Can't get value for null integer value",

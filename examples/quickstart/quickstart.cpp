@@ -82,7 +82,7 @@ void typedValues() {
   show("date-time", when, CPUtils::pwfDateTimeDump(when.getDateTimeValue()));
 
   const PWFData decimal(u"-1234.50", eDecimal);
-  show("decimal", decimal, utf8(decimal.getDecimalValue(), decimal.getDecimalLength()));
+  show("decimal", decimal, decimal.getDecimalText().toUtf8());
 
   const PWFData nullInteger(eInteger);
   show("null integer", nullInteger, "(no value)");
@@ -179,7 +179,7 @@ void numberFields() {
       cnv.StrToDec(amount, 10, DataCnv::eLeadingSeparateSign, u"-", u"+", DataCnv::eTrimWhiteSpace,
                    DataCnv::eRightJustified, u' ', true, comma);
   std::cout << "  \"" << utf8(amount, 10) << "\" reads as the decimal "
-            << utf8(decimal.getDecimalValue(), decimal.getDecimalLength()) << '\n';
+            << decimal.getDecimalText().toUtf8() << '\n';
 
   char16_t out[12];
   std::int32_t outLength = 8;
@@ -243,7 +243,7 @@ void mainframeRecord() {
   // Written back, the amount gives the same bytes.
   unsigned char packed[5];
   std::int32_t size = 5;
-  cnv.PckdDecFromDec(amount.getDecimalValue(), packed, size, BigEndian, 2,
+  cnv.PckdDecFromDec(amount.getDecimalText().terminatedData(), packed, size, BigEndian, 2,
                      DataCnv::eLeadingEmbeddedSign);
   std::cout << "  the amount written back: " << CPUtils::binaryDump(packed, 5) << "\n\n";
 }

@@ -155,6 +155,9 @@ class PWFData {
   PWFDateTime getDateTimeValue() const;
   const char16_t* getDecimalValue() const;  // the decimal text's units, not NUL-terminated
   std::int32_t getDecimalLength() const;    // in units
+  // The decimal text as a string sharing this value's storage. The decimal writers take
+  // NUL-terminated text: pass them getDecimalText().terminatedData(), never getDecimalValue().
+  ZanStringBase getDecimalText() const;
 
   // The value for trace and diagnostics, as an eString value: "NOTHING" for nothing, "NULL" for a
   // null of any type, else its standard text form (DataCnv::StandardStrFromData), and "INVALID"

@@ -48,10 +48,6 @@ struct Field {
 // text with spaces on the right.
 constexpr DataCnv::ESign kSigned = DataCnv::eLeadingEmbeddedSign;
 
-ZanStringBase decimalText(const PWFData& value) {
-  return ZanStringBase(value.getDecimalValue(), value.getDecimalLength());
-}
-
 constexpr Form kForms[] = {
     {"text", eString,
      [](DataCnv& cnv, const Field& field, const unsigned char* bytes) {
@@ -87,8 +83,8 @@ constexpr Form kForms[] = {
      },
      [](DataCnv& cnv, const Field& field, const PWFData& value, unsigned char* out,
         std::int32_t& size) {
-       cnv.PckdDecFromDec(decimalText(value).terminatedData(), out, size, field.endian, field.scale,
-                          kSigned);
+       cnv.PckdDecFromDec(value.getDecimalText().terminatedData(), out, size, field.endian,
+                          field.scale, kSigned);
      },
      "two digits a byte, then a sign nibble: C plus, D minus; the scale places the point"},
     {"zoned", eDecimal,
@@ -98,8 +94,8 @@ constexpr Form kForms[] = {
      },
      [](DataCnv& cnv, const Field& field, const PWFData& value, unsigned char* out,
         std::int32_t& size) {
-       cnv.ExtDecFromDec(decimalText(value).terminatedData(), out, size, field.scale, field.sign,
-                         DataCnv::eRightJustified, u'0', true, false, nullptr, nullptr);
+       cnv.ExtDecFromDec(value.getDecimalText().terminatedData(), out, size, field.scale,
+                         field.sign, DataCnv::eRightJustified, u'0', true, false, nullptr, nullptr);
      },
      "one digit a byte, F0 to F9; zone D instead of F on the sign digit means negative"},
     {"float", eFloat,
