@@ -1,9 +1,20 @@
 #include <zan/zanstringbase.h>
 
+#include <new>
+
 ZanStringBase::ZanStringBase(const char16_t* text) : ZanStringBase(text, -1) {}
 
 ZanStringBase::ZanStringBase(const char16_t* text, std::int32_t length) {
   if (text != nullptr) text_.setTo(text, length);
+  checked();
+}
+
+// ICU marks a string whose storage could not grow as bogus and carries on as if it were empty; a
+// text that silently lost its units would be read as a different value, so that is an allocation
+// failure here.
+ZanStringBase& ZanStringBase::checked() {
+  if (text_.isBogus()) throw std::bad_alloc();
+  return *this;
 }
 
 ZanStringBase ZanStringBase::fromLiteral(const char16_t* text) {
@@ -11,8 +22,10 @@ ZanStringBase ZanStringBase::fromLiteral(const char16_t* text) {
 }
 
 ZanStringBase ZanStringBase::fromUtf8(std::string_view utf8) {
-  return ZanStringBase(icu::UnicodeString::fromUTF8(
+  ZanStringBase text(icu::UnicodeString::fromUTF8(
       icu::StringPiece(utf8.data(), static_cast<std::int32_t>(utf8.size()))));
+  text.checked();
+  return text;
 }
 
 std::string ZanStringBase::toUtf8() const {
@@ -27,38 +40,38 @@ bool ZanStringBase::sharesStorageWith(const ZanStringBase& other) const {
 
 ZanStringBase& ZanStringBase::append(const ZanStringBase& text) {
   text_.append(text.text_);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::append(char16_t unit) {
   text_.append(unit);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::append(const char16_t* units, std::int32_t count) {
   text_.append(units, 0, count);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::insert(std::int32_t position, const ZanStringBase& text) {
   text_.insert(position, text.text_);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::insert(std::int32_t position, char16_t unit) {
   text_.insert(position, unit);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::erase(std::int32_t start, std::int32_t count) {
   text_.remove(start, count);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::replace(std::int32_t start, std::int32_t count,
                                       const ZanStringBase& text) {
   text_.replace(start, count, text.text_);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::truncate(std::int32_t length) {
@@ -68,12 +81,12 @@ ZanStringBase& ZanStringBase::truncate(std::int32_t length) {
 
 ZanStringBase& ZanStringBase::padLeading(std::int32_t length, char16_t unit) {
   text_.padLeading(length, unit);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::padTrailing(std::int32_t length, char16_t unit) {
   text_.padTrailing(length, unit);
-  return *this;
+  return checked();
 }
 
 ZanStringBase& ZanStringBase::clear() {
@@ -86,7 +99,8 @@ void ZanStringBase::reserve(std::int32_t capacity) {
   // the text unchanged.
   if (capacity <= text_.getCapacity()) return;
   const std::int32_t length = text_.length();
-  if (text_.getBuffer(capacity) != nullptr) text_.releaseBuffer(length);
+  if (text_.getBuffer(capacity) == nullptr) throw std::bad_alloc();
+  text_.releaseBuffer(length);
 }
 
 std::int32_t ZanStringBase::indexOf(char16_t unit, std::int32_t from) const {
@@ -94,7 +108,9 @@ std::int32_t ZanStringBase::indexOf(char16_t unit, std::int32_t from) const {
 }
 
 ZanStringBase ZanStringBase::substring(std::int32_t start, std::int32_t count) const {
-  return ZanStringBase(icu::UnicodeString(text_, start, count));
+  ZanStringBase part(icu::UnicodeString(text_, start, count));
+  part.checked();
+  return part;
 }
 
 std::strong_ordering ZanStringBase::operator<=>(const ZanStringBase& other) const {

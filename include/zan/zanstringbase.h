@@ -3,7 +3,8 @@
 
 // The runtime's UTF-16 string. Storage is icu::UnicodeString's: heap buffers are shared between
 // copies under an atomic reference count and copied on first write, so passing strings by value
-// costs no copy of the text. Short texts live inline and are copied outright.
+// costs no copy of the text. Short texts live inline and are copied outright. Storage that cannot
+// grow raises std::bad_alloc.
 
 #include <unicode/unistr.h>
 
@@ -69,6 +70,8 @@ class ZanStringBase {
   icu::UnicodeString& unicodeString() { return text_; }
 
  private:
+  ZanStringBase& checked();
+
   // Mutable only so that terminatedData() can add the terminator on a const string.
   mutable icu::UnicodeString text_;
 };
