@@ -99,6 +99,18 @@ std::uint32_t hfpToIeeeSingle(std::uint32_t hfp) {
          ((fraction >> 1) & kSingleMantissaBits);
 }
 
+// The binary exponent splits into a power of 16, which is returned, and a shift of 0 to 3 bits,
+// which is applied to the fraction.
+template <typename Fraction>
+std::int32_t hexCharacteristic(std::int32_t exponent, Fraction& fraction) {
+  if (exponent < 0) {
+    fraction >>= -exponent % 4;
+    return -(-exponent / 4);
+  }
+  fraction <<= exponent % 4;
+  return exponent / 4;
+}
+
 std::uint32_t ieeeToHfpSingle(std::uint32_t ieee) {
   const std::uint32_t sign = ieee & kSignBit;
   if ((ieee & kMagnitudeBits) == 0) return ieee;
@@ -106,15 +118,7 @@ std::uint32_t ieeeToHfpSingle(std::uint32_t ieee) {
   const std::int32_t exponent =
       static_cast<std::int32_t>((ieee & kMagnitudeBits) >> 23) - kSingleBias;
   std::uint32_t fraction = ((ieee & kSingleMantissaBits) | kSingleImplicitOne) << 1;
-  std::int32_t characteristic;
-  // The binary exponent splits into a power of 16 and a shift of 0 to 3 bits.
-  if (exponent < 0) {
-    fraction >>= -exponent % 4;
-    characteristic = -(-exponent / 4);
-  } else {
-    fraction <<= exponent % 4;
-    characteristic = exponent / 4;
-  }
+  std::int32_t characteristic = hexCharacteristic(exponent, fraction);
   // A leading one above bit 23 moves down a whole hexadecimal digit; what falls off is lost.
   if ((fraction & 0x0F000000) != 0) {
     fraction >>= 4;
@@ -168,14 +172,7 @@ Words ieeeToHfpDouble(Words ieee) {
   std::uint64_t fraction =
       (((std::uint64_t{ieee.high & kDoubleHighMantissaBits} << kLowWordWidth) | ieee.low) << 4) |
       highBit(24);
-  std::int32_t characteristic;
-  if (exponent < 0) {
-    fraction >>= -exponent % 4;
-    characteristic = -(-exponent / 4);
-  } else {
-    fraction <<= exponent % 4;
-    characteristic = exponent / 4;
-  }
+  std::int32_t characteristic = hexCharacteristic(exponent, fraction);
   if ((fraction & (highBit(27) | highBit(26) | highBit(25) | highBit(24))) != 0) {
     fraction >>= 4;
     ++characteristic;
