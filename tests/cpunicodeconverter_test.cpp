@@ -9,7 +9,10 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/expect_failure.h"
@@ -17,14 +20,15 @@
 namespace {
 
 using Bytes = std::vector<unsigned char>;
+using Encoded = std::pair<Bytes, UErrorCode>;
 
-Bytes encode(const CPUnicodeConverter& converter, const ZanStringBase& text) {
-  std::vector<char> buffer(64);
-  std::int32_t length = static_cast<std::int32_t>(buffer.size());
+// What fits of `text` in a target of `capacity` bytes, and the status.
+Encoded encode(const CPUnicodeConverter& converter, const ZanStringBase& text,
+               std::int32_t capacity = 64) {
+  std::vector<char> buffer(static_cast<std::size_t>(capacity) + 1);
   UErrorCode status = U_ZERO_ERROR;
-  converter.fromUnicodeString(buffer.data(), length, text, status);
-  EXPECT_EQ(status, U_ZERO_ERROR) << u_errorName(status);
-  return Bytes(buffer.begin(), buffer.begin() + length);
+  converter.fromUnicodeString(buffer.data(), capacity, text, status);
+  return {Bytes(buffer.begin(), buffer.begin() + capacity), status};
 }
 
 ZanStringBase decode(const CPUnicodeConverter& converter, const Bytes& bytes) {
@@ -36,38 +40,19 @@ ZanStringBase decode(const CPUnicodeConverter& converter, const Bytes& bytes) {
   return text;
 }
 
-// Expected bytes are from the published code charts of each code page: the national variants of
-// EBCDIC differ exactly in where they put the brackets and the umlauts.
+// Expected bytes are from the published code charts of each code page.
 TEST(CPUnicodeConverter, ConvertsBothWaysInEveryKindOfCodePage) {
-  struct Case {
-    const char* name;
-    std::int32_t ccsid;
-    EEndian endian;
-    const char16_t* text;
-    Bytes bytes;
+  const std::tuple<std::int32_t, EEndian, const char16_t*, Bytes> cases[] = {
+      {37, BigEndian, u"A1[]", {0xC1, 0xF1, 0xBA, 0xBB}},
+      {1208, LittleEndian, u"A\u20AC", {0x41, 0xE2, 0x82, 0xAC}},
+      {1200, LittleEndian, u"A\U0001F600", {0x41, 0x00, 0x3D, 0xD8, 0x00, 0xDE}},
+      {13488, BigEndian, u"A\u20AC", {0x00, 0x41, 0x20, 0xAC}},
   };
-  const Case cases[] = {
-      {"EBCDIC US 37", 37, BigEndian, u"A1[]", {0xC1, 0xF1, 0xBA, 0xBB}},
-      {"EBCDIC international 500", 500, BigEndian, u"A1[]", {0xC1, 0xF1, 0x4A, 0x5A}},
-      {"EBCDIC Open Systems 1047", 1047, BigEndian, u"A1[]", {0xC1, 0xF1, 0xAD, 0xBD}},
-      {"EBCDIC Germany 273", 273, BigEndian, u"A\u00C4\u00FC", {0xC1, 0x4A, 0xD0}},
-      {"Latin-1 819", 819, BigEndian, u"A\u00E9", {0x41, 0xE9}},
-      {"UTF-8 1208", 1208, LittleEndian, u"A\u20AC", {0x41, 0xE2, 0x82, 0xAC}},
-      {"UTF-8 1208 ignores the byte order", 1208, BigEndian, u"\u00E9", {0xC3, 0xA9}},
-      {"UTF-16 1200 little-endian", 1200, LittleEndian, u"A\u20AC", {0x41, 0x00, 0xAC, 0x20}},
-      {"UTF-16 13488 big-endian", 13488, BigEndian, u"A\u20AC", {0x00, 0x41, 0x20, 0xAC}},
-      {"UTF-16 17584 big-endian", 17584, BigEndian, u"\U0001F600", {0xD8, 0x3D, 0xDE, 0x00}},
-      {"UTF-16 1200 outside the BMP, little-endian",
-       1200,
-       LittleEndian,
-       u"\U0001F600",
-       {0x3D, 0xD8, 0x00, 0xDE}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const CPUnicodeConverter converter(c.ccsid, c.endian);
-    EXPECT_EQ(encode(converter, ZanStringBase(c.text)), c.bytes);
-    EXPECT_EQ(decode(converter, c.bytes), ZanStringBase(c.text));
+  for (const auto& [ccsid, endian, text, bytes] : cases) {
+    SCOPED_TRACE(ccsid);
+    const CPUnicodeConverter converter(ccsid, endian);
+    EXPECT_EQ(encode(converter, ZanStringBase(text)), Encoded(bytes, U_ZERO_ERROR));
+    EXPECT_EQ(decode(converter, bytes), ZanStringBase(text));
   }
 }
 
@@ -79,33 +64,21 @@ TEST(CPUnicodeConverter, MixedByteEbcdicShiftsOutForDoubleByteText) {
     CPUnicodeConverter converter(ccsid, BigEndian);
     EXPECT_EQ(converter.getType(), UCNV_EBCDIC_STATEFUL);
     const ZanStringBase text(u"A\u65E5\u672C1");  // "A", two ideographs, "1"
-    const Bytes bytes = encode(converter, text);
+    const Bytes bytes = encode(converter, text).first;
     ASSERT_EQ(bytes.size(), 8u);
-    EXPECT_EQ(bytes[0], 0xC1);
-    EXPECT_EQ(bytes[1], 0x0E);
-    EXPECT_EQ(bytes[6], 0x0F);
-    EXPECT_EQ(bytes[7], 0xF1);
+    EXPECT_EQ(Bytes({bytes[0], bytes[1], bytes[6], bytes[7]}), Bytes({0xC1, 0x0E, 0x0F, 0xF1}));
     EXPECT_EQ(decode(converter, bytes), text);
   }
 }
 
-TEST(CPUnicodeConverter, ReportsCharacterWidths) {
-  struct Case {
-    std::int32_t ccsid;
-    signed char minBytes;
-    signed char maxBytes;
-  };
-  for (const Case& c : {Case{37, 1, 1}, Case{1208, 1, 3}, Case{13488, 2, 2}}) {
-    SCOPED_TRACE(c.ccsid);
-    const CPUnicodeConverter converter(c.ccsid, BigEndian);
-    EXPECT_EQ(converter.getMinBytesPerChar(), c.minBytes);
-    EXPECT_EQ(converter.getMaxBytesPerChar(), c.maxBytes);
+TEST(CPUnicodeConverter, ReportsWidthsAndWhichPagesAreUtf16) {
+  for (const auto& [ccsid, minBytes, maxBytes] :
+       {std::tuple{37, 1, 1}, {1208, 1, 3}, {13488, 2, 2}}) {
+    const CPUnicodeConverter converter(ccsid, BigEndian);
+    EXPECT_EQ(converter.getMinBytesPerChar(), minBytes) << ccsid;
+    EXPECT_EQ(converter.getMaxBytesPerChar(), maxBytes) << ccsid;
   }
-  CPUnicodeConverter any(37, BigEndian);
-  EXPECT_EQ(any.MaxBytesPerChar(), 3) << "UTF-8, the local code page";
-}
-
-TEST(CPUnicodeConverter, IsUnicodeMeansUtf16Only) {
+  EXPECT_EQ(CPUnicodeConverter(37, BigEndian).MaxBytesPerChar(), 3) << "UTF-8, the local code page";
   for (const std::int32_t ccsid : {1200, 13488, 17584})
     EXPECT_TRUE(CPUnicodeConverter::IsUnicode(ccsid));
   for (const std::int32_t ccsid : {1208, 37, 0, -1200})
@@ -113,22 +86,13 @@ TEST(CPUnicodeConverter, IsUnicodeMeansUtf16Only) {
 }
 
 TEST(CPUnicodeConverter, ACodePageThatCannotBeOpenedIsRefused) {
-  struct Case {
-    std::int32_t ccsid;
-    EEndian endian;
-    const char* name;
-  };
-  const Case cases[] = {
-      {99999, BigEndian, "ibm-99999"},  // ICU has no such table
-      {-5, BigEndian, "ibm--5"},
-      {1200, static_cast<EEndian>(0), ""},  // UTF-16 in no defined byte order
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+  // ICU has no table 99999; UTF-16 needs a defined byte order.
+  for (const auto& [ccsid, endian, name] :
+       {std::tuple{99999, BigEndian, "ibm-99999"}, {1200, static_cast<EEndian>(0), ""}}) {
     expectFailure<ZanRecoverableException>(
-        [&] { CPUnicodeConverter converter(c.ccsid, c.endian); }, "QZR2130", 0xC0000852,
+        [&] { CPUnicodeConverter converter(ccsid, endian); }, "QZR2130", 0xC0000852,
         "Error creating convertor", "cpunicodeconverter", "cpunicodeconverter::cpunicodeconverter",
-        {std::to_string(c.ccsid), c.name});
+        {std::to_string(ccsid), name});
   }
 }
 
@@ -165,7 +129,6 @@ TEST(CPUnicodeConverter, CopiesShareOneConverterAndItsStreamingState) {
   CPUnicodeConverter copy(original);
   CPUnicodeConverter assigned(37, BigEndian);
   assigned = copy;
-
   // The first byte of "A" (00 41) goes into one copy without flushing; the second byte, given to
   // another copy, completes the character that the shared converter holds.
   const char bytes[] = {0x00, 0x41};
@@ -186,43 +149,21 @@ TEST(CPUnicodeConverter, CopiesShareOneConverterAndItsStreamingState) {
 
 TEST(CPUnicodeConverter, StringConversionsReportThroughStatus) {
   const CPUnicodeConverter ebcdic(37, BigEndian);
+  const CPUnicodeConverter utf8(1208, LittleEndian);
+  EXPECT_EQ(encode(ebcdic, u"ABC", 2), Encoded({0xC1, 0xC2}, U_BUFFER_OVERFLOW_ERROR));
+  EXPECT_EQ(encode(ebcdic, u"A", 0), Encoded({}, U_ILLEGAL_ARGUMENT_ERROR));
+  // A character cut off by a full target is dropped, not written first into the next text.
+  EXPECT_EQ(encode(utf8, u"\u00E9", 1).second, U_BUFFER_OVERFLOW_ERROR);
+  EXPECT_EQ(encode(utf8, u"AB", 2), Encoded({'A', 'B'}, U_ZERO_ERROR));
 
   ZanStringBase target(u"kept");
   UErrorCode status = U_ZERO_ERROR;
   ebcdic.toUnicodeString(target, "\xC1", 0, status);
   EXPECT_EQ(status, U_ILLEGAL_ARGUMENT_ERROR);
   EXPECT_EQ(target, ZanStringBase(u"kept"));
-
-  char out[2];
-  std::int32_t length = 2;
-  status = U_ZERO_ERROR;
-  ebcdic.fromUnicodeString(out, length, ZanStringBase(u"ABC"), status);
-  EXPECT_EQ(status, U_BUFFER_OVERFLOW_ERROR);
-  EXPECT_EQ(length, 2);
-  EXPECT_EQ(Bytes(out, out + 2), (Bytes{0xC1, 0xC2}));
-
-  // A character cut off by a full target is dropped, not written first into the next text.
-  const CPUnicodeConverter utf8(1208, LittleEndian);
-  length = 1;
-  status = U_ZERO_ERROR;
-  utf8.fromUnicodeString(out, length, ZanStringBase(u"\u00E9"), status);
-  EXPECT_EQ(status, U_BUFFER_OVERFLOW_ERROR);
-  length = 2;
-  status = U_ZERO_ERROR;
-  utf8.fromUnicodeString(out, length, ZanStringBase(u"AB"), status);
-  EXPECT_EQ(Bytes(out, out + length), (Bytes{'A', 'B'}));
-
-  length = 0;
-  status = U_ZERO_ERROR;
-  ebcdic.fromUnicodeString(out, length, ZanStringBase(u"A"), status);
-  EXPECT_EQ(status, U_ILLEGAL_ARGUMENT_ERROR);
-
   // ICU's default callbacks substitute: a UTF-8 sequence cut short reads as U+FFFD, not as a
   // failure.
-  status = U_ZERO_ERROR;
-  utf8.toUnicodeString(target, "ab\xE2\x82", 4, status);
-  EXPECT_EQ(status, U_ZERO_ERROR);
-  EXPECT_EQ(target, ZanStringBase(u"ab\uFFFD"));
+  EXPECT_EQ(decode(utf8, {'a', 'b', 0xE2, 0x82}), ZanStringBase(u"ab\uFFFD"));
 }
 
 TEST(CPUnicodeConverter, LongTextConvertsWhole) {
@@ -234,12 +175,8 @@ TEST(CPUnicodeConverter, LongTextConvertsWhole) {
   }
   const ZanStringBase text = decode(ebcdic, bytes);
   ASSERT_EQ(text.length(), static_cast<std::int32_t>(bytes.size()));
-  std::vector<char> back(bytes.size());
-  std::int32_t length = static_cast<std::int32_t>(back.size());
-  UErrorCode status = U_ZERO_ERROR;
-  ebcdic.fromUnicodeString(back.data(), length, text, status);
-  ASSERT_EQ(status, U_ZERO_ERROR);
-  EXPECT_EQ(Bytes(back.begin(), back.end()), bytes);
+  EXPECT_EQ(encode(ebcdic, text, static_cast<std::int32_t>(bytes.size())),
+            Encoded(bytes, U_ZERO_ERROR));
 }
 
 TEST(CPUnicodeConverter, LocalConversionsAreUtf8AndNeverTruncate) {
@@ -249,59 +186,35 @@ TEST(CPUnicodeConverter, LocalConversionsAreUtf8AndNeverTruncate) {
   CPUnicodeConverter::fromUnicodeToLocal(utf8, &length, text, 2);
   ASSERT_EQ(length, 5);
   EXPECT_EQ(std::string(utf8, 5), "\xC3\xA9\xE2\x82\xAC");
-
   char16_t units[4];
   int unitCount = 4;
   CPUnicodeConverter::fromLocalToUnicode(units, &unitCount, utf8, 5);
   ASSERT_EQ(unitCount, 2);
   EXPECT_EQ(ZanStringBase(units, 2), ZanStringBase(text));
 
+  // Both directions trace under one name.
+  const auto fails = [](const std::function<void()>& call, const char* traceText,
+                        const std::vector<std::string>& inserts) {
+    expectFailure<ZanConversionException>(call, "CP_INTERNAL_ERROR", 0xC000157E, traceText,
+                                          "cpunicodeconverter",
+                                          "CPUnicodeConverter::fromUnicodeToLocal", inserts);
+  };
   const std::string overflow = std::to_string(U_BUFFER_OVERFLOW_ERROR);
-  expectFailure<ZanConversionException>(
-      [&] {
-        int small = 4;
-        CPUnicodeConverter::fromUnicodeToLocal(utf8, &small, text, 2);
-      },
-      "CP_INTERNAL_ERROR", 0xC000157E, "Error converting to text to local codepage",
-      "cpunicodeconverter", "CPUnicodeConverter::fromUnicodeToLocal", {overflow});
-  expectFailure<ZanConversionException>(
-      [&] {
-        int small = 1;
-        CPUnicodeConverter::fromLocalToUnicode(units, &small, utf8, 5);
-      },
-      "CP_INTERNAL_ERROR", 0xC000157E, "Error converting from local codepage to unicode",
-      "cpunicodeconverter", "CPUnicodeConverter::fromUnicodeToLocal", {overflow});
-}
-
-TEST(CPUnicodeConverter, LocalConversionsRefuseBadArguments) {
-  char utf8[4];
-  int capacity = 4;
+  int small = 4;
   int negative = -1;
-  struct Case {
-    const char* name;
-    std::function<void()> call;
-    std::vector<std::string> inserts;
-  };
-  const Case cases[] = {
-      {"null source",
-       [&] { CPUnicodeConverter::fromUnicodeToLocal(utf8, &capacity, nullptr, 2); },
-       {"Null input pointer"}},
-      {"negative source length",
-       [&] { CPUnicodeConverter::fromUnicodeToLocal(utf8, &capacity, u"a", -1); },
-       {"Invalid input length: ", "-1"}},
-      {"null target length",
-       [&] { CPUnicodeConverter::fromLocalToUnicode(nullptr, nullptr, "a", 1); },
-       {"Null output buffer pointer"}},
-      {"negative capacity",
-       [&] { CPUnicodeConverter::fromLocalToUnicode(nullptr, &negative, "a", 1); },
-       {"Invalid output buffer length: ", "-1"}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    expectFailure<ZanConversionException>(c.call, "CP_INTERNAL_ERROR", 0xC000157E,
-                                          "CPI Internal Error", "cpunicodeconverter",
-                                          "CPUnicodeConverter::fromUnicodeToLocal", c.inserts);
-  }
+  fails([&] { CPUnicodeConverter::fromUnicodeToLocal(utf8, &small, text, 2); },
+        "Error converting to text to local codepage", {overflow});
+  small = 1;
+  fails([&] { CPUnicodeConverter::fromLocalToUnicode(units, &small, utf8, 5); },
+        "Error converting from local codepage to unicode", {overflow});
+  fails([&] { CPUnicodeConverter::fromUnicodeToLocal(utf8, &length, nullptr, 2); },
+        "CPI Internal Error", {"Null input pointer"});
+  fails([&] { CPUnicodeConverter::fromUnicodeToLocal(utf8, &length, u"a", -1); },
+        "CPI Internal Error", {"Invalid input length: ", "-1"});
+  fails([&] { CPUnicodeConverter::fromLocalToUnicode(nullptr, nullptr, "a", 1); },
+        "CPI Internal Error", {"Null output buffer pointer"});
+  fails([&] { CPUnicodeConverter::fromLocalToUnicode(nullptr, &negative, "a", 1); },
+        "CPI Internal Error", {"Invalid output buffer length: ", "-1"});
 }
 
 }  // namespace

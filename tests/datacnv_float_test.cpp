@@ -151,7 +151,6 @@ TEST(DataCnvFloatDecimal, ReadsAndWritesDecimalsWithTheSignBeforeTheScaledDigits
   const auto fromDecimal = [](DataCnv& cnv, const char* text, std::int32_t size, int scale) {
     Bytes out(static_cast<std::size_t>(size));
     cnv.FltFromDec(ZanStringBase::fromUtf8(text).terminatedData(), out.data(), size, scale);
-    EXPECT_EQ(out.size(), static_cast<std::size_t>(size));
     return out;
   };
   const std::tuple<EFloatFmt, std::int32_t, double, std::int32_t, const char*> cases[] = {
@@ -173,9 +172,6 @@ TEST(DataCnvFloatArguments, FailuresRaiseBeforeWriting) {
   // Each call fails with the output and the size left as they were.
   DataCnv cnv(1200, BigEndian, IEEEFloat);
   const Bytes nan = bytesOf(0x7FF80000'00000000, 8, BigEndian);
-  const Bytes minusInf = bytesOf(0xFF800000, 4, BigEndian);
-  const std::string huge = "1" + std::string(400, '0');
-  const ZanStringBase hugeText = ZanStringBase::fromUtf8(huge);
   using Inserts = std::vector<std::string>;
   const Inserts nullRead = {"Null input pointer passed into DataCnv::FltToDbl"};
   const Inserts nullIn = {"Null input pointer"};
@@ -185,9 +181,7 @@ TEST(DataCnvFloatArguments, FailuresRaiseBeforeWriting) {
   std::int32_t size = 0;
   float f = 0;
   double d = 0;
-  const auto toDec = [&](const unsigned char* from) {
-    return [&, from] { cnv.FltToDec(from, size, 2); };
-  };
+  const auto toDec = [&] { cnv.FltToDec(nan.data(), size, 2); };
   const auto fromDec = [&](const char16_t* text, std::int32_t scale) {
     return [&, text, scale] { cnv.FltFromDec(text, out.data(), size, scale); };
   };
@@ -202,8 +196,7 @@ TEST(DataCnvFloatArguments, FailuresRaiseBeforeWriting) {
       {0, [&] { cnv.FltToDbl(nan.data(), size); }, "FltToDbl", {"Invalid input size: ", "0"}},
       {6, [&] { cnv.FltToDbl(nan.data(), size); }, "FltToDbl", {"Invalid float size: ", "6"}},
       {4, [&] { cnv.FltToDbl(nullptr, size); }, "FltToDbl", nullRead},
-      {8, toDec(nan.data()), "doubleToUString", {"double", "nan"}, kInvalid},
-      {4, toDec(minusInf.data()), "doubleToUString", {"double", "-inf"}, kInvalid},
+      {8, toDec, "doubleToUString", {"double", "nan"}, kInvalid},
       {0, [&] { cnv.FltFromDbl(1.0, out.data(), size); }, "FltFromDbl", badSize},
       {4, [&] { cnv.FltFromDbl(1.0, nullptr, size); }, "FltFromDbl", nullOut},
       {0, fromDec(u"1", 0), "FltFromDec", badSize},
@@ -212,9 +205,7 @@ TEST(DataCnvFloatArguments, FailuresRaiseBeforeWriting) {
       {4, [&] { cnv.FltFromDec(u"1", nullptr, size, 0); }, "FltFromDec", nullOut},
       {4, fromDec(u"1", INT32_MIN), "FltFromDec", {"Invalid scale: ", "-2147483648"}},
       {8, fromDec(u"1e5", 2), "validateDecimal", {"decimal"}, kInvalid},
-      {8, fromDec(u"", 0), "PWFStringTodouble", {"double", ""}, kInvalid},
       {8, fromDec(u"1,5", 0), "PWFStringTodouble", {"double", "1,5"}, kInvalid},
-      {8, fromDec(hugeText.terminatedData(), 0), "PWFStringTodouble", {"double", huge}, kBounds},
       {0, [&] { DataCnv::ConvertFloatHFPtoIEEE(nullptr, &f); }, "ConvertFloatHFPtoIEEE", nullIn},
       {0, [&] { DataCnv::ConvertFloatIEEEtoHFP(&f, nullptr); }, "ConvertFloatIEEEtoHFP", nullOut},
       {0, [&] { DataCnv::ConvertDoubleHFPtoIEEE(&d, nullptr, BigEndian); },
