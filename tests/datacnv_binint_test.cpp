@@ -12,12 +12,11 @@
 #include <vector>
 
 #include "support/expect_failure.h"
+#include "support/field_conventions.h"
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
-constexpr auto kSigned = DataCnv::eLeadingEmbeddedSign;  // the one style read as signed
-constexpr auto kUnsigned = DataCnv::eNoSign;
 
 // The low `size` bytes of `bits` as a field in `endian` order.
 Bytes field(std::uint64_t bits, std::int32_t size, EEndian endian) {

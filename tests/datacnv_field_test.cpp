@@ -10,15 +10,12 @@
 
 #include "support/datacnv_test_access.h"
 #include "support/expect_failure.h"
+#include "support/field_conventions.h"
 
 namespace {
 
 using Access = DataCnvTestAccess;
 using Bytes = std::vector<unsigned char>;
-constexpr auto kLeft = DataCnv::eLeftJustified;
-constexpr auto kRight = DataCnv::eRightJustified;
-constexpr auto kLeadingSign = DataCnv::eLeadingSeparateSign;
-constexpr auto kTrailingSign = DataCnv::eTrailingSeparateSign;
 
 // Fields are written with "_" for a zero unit so that expected buffers read plainly.
 std::u16string visible(const char16_t* units, std::int32_t length) {
@@ -199,14 +196,14 @@ TEST(DataCnvSign, CheckSignReadsAndRemovesEachStyle) {
       {u"12r", DataCnv::eTrailingEmbeddedSign, u"-", u"+", true, u"122"},
       {u"A23", DataCnv::eLeadingEmbeddedSign, u"-", u"+", true, u"\u000123"},  // for the caller
       {u"-12", DataCnv::eNoSign, u"-", u"+", false, u"-12"},
-      {u"CR100", kLeadingSign, u"CR", u"", true, u"100"},
-      {u"100", kLeadingSign, u"CR", u"", false, u"100"},
-      {u"+100", kLeadingSign, u"-", u"+", false, u"100"},
-      {u"100", kLeadingSign, u"", u"+", true, u"100"},  // an empty minus: negative
-      {u"12-+", kTrailingSign, u"-", u"+", false, u"12-"},
-      {u"12+-", kTrailingSign, u"-", u"+", true, u"12"},
-      {u"12DB", kTrailingSign, u"DB", u"CR", true, u"12"},
-      {u"12", kTrailingSign, u"", u"", true, u"12"},
+      {u"CR100", kLeading, u"CR", u"", true, u"100"},
+      {u"100", kLeading, u"CR", u"", false, u"100"},
+      {u"+100", kLeading, u"-", u"+", false, u"100"},
+      {u"100", kLeading, u"", u"+", true, u"100"},  // an empty minus: negative
+      {u"12-+", kTrailing, u"-", u"+", false, u"12-"},
+      {u"12+-", kTrailing, u"-", u"+", true, u"12"},
+      {u"12DB", kTrailing, u"DB", u"CR", true, u"12"},
+      {u"12", kTrailing, u"", u"", true, u"12"},
   };
   DataCnv cnv;
   for (const Case& c : cases) {
@@ -231,11 +228,11 @@ TEST(DataCnvSign, MinusTestsCompareOneCharacter) {
 TEST(DataCnvSign, SubstituteMinusSignWritesTheCustomMinus) {
   const std::tuple<DataCnv::ESign, const char16_t*, bool, const char16_t*, const char16_t*>
       cases[] = {
-          {kTrailingSign, u"DB", false, u"-12", u"12DB"},
-          {kLeadingSign, u"(", false, u"-12", u"(12"},
-          {kLeadingSign, u"CR", true, u"12", u"CR12"},
+          {kTrailing, u"DB", false, u"-12", u"12DB"},
+          {kLeading, u"(", false, u"-12", u"(12"},
+          {kLeading, u"CR", true, u"12", u"CR12"},
           {DataCnv::eLeadingEmbeddedSign, u"DB", false, u"-12", u"-12"},
-          {kTrailingSign, u"", false, u"-12", u"-12"},
+          {kTrailing, u"", false, u"-12", u"-12"},
       };
   DataCnv cnv;
   for (const auto& [sign, minus, noStandardMinus, before, after] : cases) {

@@ -10,18 +10,12 @@
 
 #include "support/datacnv_test_access.h"
 #include "support/expect_failure.h"
+#include "support/field_conventions.h"
 
 namespace {
 
 using Access = DataCnvTestAccess;
 using Strings = std::vector<std::string>;
-constexpr auto kNoSign = DataCnv::eNoSign;
-constexpr auto kLeading = DataCnv::eLeadingSeparateSign;
-constexpr auto kTrailing = DataCnv::eTrailingSeparateSign;
-constexpr auto kLeft = DataCnv::eLeftJustified;
-constexpr auto kRight = DataCnv::eRightJustified;
-constexpr auto kNoTrim = DataCnv::eNoTrim;
-constexpr auto kTrimPad = DataCnv::eTrimPadding;
 
 std::int32_t length(const char16_t* text) {
   return static_cast<std::int32_t>(std::char_traits<char16_t>::length(text));

@@ -13,18 +13,11 @@
 #include <vector>
 
 #include "support/expect_failure.h"
+#include "support/field_conventions.h"
 
 namespace {
 
 using Strings = std::vector<std::string>;
-constexpr auto kNoSign = DataCnv::eNoSign;
-constexpr auto kLeading = DataCnv::eLeadingSeparateSign;
-constexpr auto kTrailing = DataCnv::eTrailingSeparateSign;
-constexpr auto kLeft = DataCnv::eLeftJustified;
-constexpr auto kRight = DataCnv::eRightJustified;
-constexpr auto kNoTrim = DataCnv::eNoTrim;
-constexpr auto kTrimSpace = DataCnv::eTrimWhiteSpace;
-constexpr auto kTrimPad = DataCnv::eTrimPadding;
 
 NumericTextFormat format(ENumericForm form, std::int32_t places = 0, char16_t point = u'.',
                          bool strict = false) {

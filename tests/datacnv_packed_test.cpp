@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "support/expect_failure.h"
+#include "support/field_conventions.h"
 
 namespace {
 
@@ -22,8 +23,6 @@ using Bytes = std::vector<unsigned char>;
 using Inserts = std::vector<std::string>;
 constexpr auto kBig = BigEndian;
 constexpr auto kLittle = LittleEndian;
-constexpr auto kUnsigned = DataCnv::eNoSign;
-constexpr auto kSigned = DataCnv::eLeadingEmbeddedSign;  // style 1 is "signed" for packed fields
 constexpr auto kFromDec = &DataCnv::PckdDecFromDec;
 constexpr auto kFromInt32 = &DataCnv::PckdDecFromInt32;
 constexpr auto kFromInt64 = &DataCnv::PckdDecFromPWFInt64;

@@ -11,6 +11,7 @@
 
 #include "support/datacnv_test_access.h"
 #include "support/expect_failure.h"
+#include "support/field_conventions.h"
 
 namespace {
 
@@ -18,13 +19,8 @@ using Bytes = std::vector<unsigned char>;
 using ESign = DataCnv::ESign;
 using EJust = DataCnv::EJustification;
 
-constexpr auto kNo = DataCnv::eNoSign;
 constexpr auto kLE = DataCnv::eLeadingEmbeddedSign;
 constexpr auto kTE = DataCnv::eTrailingEmbeddedSign;
-constexpr auto kLS = DataCnv::eLeadingSeparateSign;
-constexpr auto kTS = DataCnv::eTrailingSeparateSign;
-constexpr auto kLeft = DataCnv::eLeftJustified;
-constexpr auto kRight = DataCnv::eRightJustified;
 const Code kTooLong{"CP_CONV_INPUT_DATA_TOO_LONG", 0xC0001583, "CPI InputData Too Long"};
 const Code kBadPad{"CP_CONV_INVALID_PADDING", 0xC0001590,
                    "CPI Converter Invalid Padding Character"};
@@ -97,32 +93,32 @@ TEST(DataCnvZoned, ConvertsEverySignConventionBothWays) {
       {500, 123, F(kTE), {0xF1, 0xF2, 0xF3}},
       {37, -12, F(kTE, true), {0xF1, 0xD2}},  // the custom flag is ignored on EBCDIC
       {37, -12, F(kLE), {0xD0, 0xF0, 0xF1, 0xF2}},
-      {37, -5, F(kLS), {0x60, 0xF0, 0xF5}},
-      {500, 5, F(kTS), {0xF5, 0x4E}},
+      {37, -5, F(kLeading), {0x60, 0xF0, 0xF5}},
+      {500, 5, F(kTrailing), {0xF5, 0x4E}},
       {37, -12, F(kLE, false, kLeft, u' '), {0xD1, 0xF2, 0x40, 0x40}},
       {37, -12, F(kLE, false, kRight, u' '), {0x40, 0x40, 0xD1, 0xF2}},
       {37, -12, F(kTE, false, kLeft, u'*'), {0xF1, 0xD2, 0x5C, 0x5C}},
       {37, -12, F(kTE, false, kRight, 0x40, false), {0x40, 0x40, 0xF1, 0xD2}},  // pad in the page
       {1208, 12, F(kLE, true), ascii("{12")},
-      {819, -5, F(kLS), ascii("-005")},
-      {819, -5, F(kLS, false, kRight, u' '), ascii("-  5")},
-      {819, -5, F(kTS, false, kLeft, u' '), ascii("5  -")},
+      {819, -5, F(kLeading), ascii("-005")},
+      {819, -5, F(kLeading, false, kRight, u' '), ascii("-  5")},
+      {819, -5, F(kTrailing, false, kLeft, u' '), ascii("5  -")},
       {819, -51, F(kLE, false, kRight, u' '), ascii("  u1")},
       {819, -15, F(kTE, false, kLeft, u'*'), ascii("1u**")},
-      {819, 500, F(kNo, false, kLeft), ascii("0500")},
-      {819, 0, F(kLS), ascii("+0")},
-      {819, INT64_MAX, F(kNo), ascii("9223372036854775807")},
+      {819, 500, F(kNoSign, false, kLeft), ascii("0500")},
+      {819, 0, F(kLeading), ascii("+0")},
+      {819, INT64_MAX, F(kNoSign), ascii("9223372036854775807")},
       {819, INT64_MIN, F(kTE), ascii("922337203685477580x")},
-      {1200, -5, F(kLS, false, kRight, u' '), {'-', 0, ' ', 0, '5', 0}},  // little-endian
+      {1200, -5, F(kLeading, false, kRight, u' '), {'-', 0, ' ', 0, '5', 0}},  // little-endian
       {1200, -12, F(kTE), {'0', 0, '1', 0, 'r', 0}},
-      {37, 0, F(kNo), Bytes(70, 0xF0)},
+      {37, 0, F(kNoSign), Bytes(70, 0xF0)},
       {37, -123, asciiStyle, {0xF1, 0xF2, 0xA2}},
       {819, -345, letters, ascii("L45")},
   };
   // Forms the writers do not write.
   const std::vector<Case> readOnly = {
       {37, 0, F(kTE), {0xF0, 0xD0}},
-      {819, 123, F(kLS), ascii("123")},
+      {819, 123, F(kLeading), ascii("123")},
       {819, 0, F(kTE, false, kRight, u' '), ascii("   ")},
       {37, 122, F(), {0xF1, 0xF2, 0xA2}},
       {37, -123, asciiStyle, {0xF1, 0xF2, 0xD3}},  // D3 is left to the overpunch
@@ -165,8 +161,8 @@ TEST(DataCnvZoned, AppliesTheScale) {
   DataCnv cnv(819);
   for (const auto& [field, scale, decimal, value] : reads) {
     SCOPED_TRACE(field);
-    EXPECT_EQ(readDecimal(cnv, ascii(field), scale, F(kLS)), decimal);
-    EXPECT_EQ(cnv.ExtDecToDbl(ascii(field).data(), size32(ascii(field)), scale, FORM(F(kLS))),
+    EXPECT_EQ(readDecimal(cnv, ascii(field), scale, F(kLeading)), decimal);
+    EXPECT_EQ(cnv.ExtDecToDbl(ascii(field).data(), size32(ascii(field)), scale, FORM(F(kLeading))),
               value);
   }
   // Writing takes the value times ten to the scale, cut off; a double goes by its shortest text.
@@ -201,7 +197,7 @@ TEST(DataCnvZoned, BytePathsAgreeWithTheCodePage) {
       const auto sign = static_cast<ESign>(n / 512);
       const bool custom = n / 256 % 2 != 0;
       Bytes field = cnv.IsCcsidEBCDIC() ? Bytes{0xF1, 0xF2, 0xF3} : ascii("123");
-      field[sign == kLE || sign == kLS ? 0 : 2] = static_cast<unsigned char>(n % 256);
+      field[sign == kLE || sign == kLeading ? 0 : 2] = static_cast<unsigned char>(n % 256);
       const auto general = [&] {
         ZanStringBase digits;
         const bool negative =
@@ -235,12 +231,12 @@ TEST(DataCnvZoned, BadInputFailsAsDocumented) {
       {ebcdic, good, F(kTE, false, EJust(2)), kInternal, "Invalid justification: ", "2"},
       {ebcdic, good, shortTable, kInternal, table, "0123"},
       {ebcdic, good, F(kTE, false, kRight, u'0', true, u"0123456789"), kInternal, table, "(null)"},
-      {ebcdic, {0xF1, 0xC1, 0xF3}, F(kNo), kInvalid, digit, "0xf1c1f3"},
+      {ebcdic, {0xF1, 0xC1, 0xF3}, F(kNoSign), kInvalid, digit, "0xf1c1f3"},
       {ebcdic, {0xF1, 0x42}, F(kTE), kInvalid, digit, "0xf142"},
       {ebcdic, {0xD1, 0xF2}, F(kTE), kInvalid, digit, "0xd1f2"},
       {ebcdic, {0xF1, 0xDA}, F(kTE), kInvalid, digit, "0xf1da"},
-      {latin, ascii("1s"), F(kNo), kInvalid, digit, "0x3173"},
-      {latin, ascii("+-1"), F(kLS), kInvalid, digit, "0x2b2d31"},
+      {latin, ascii("1s"), F(kNoSign), kInvalid, digit, "0x3173"},
+      {latin, ascii("+-1"), F(kLeading), kInvalid, digit, "0x2b2d31"},
       {latin, ascii("12X"), F(kTE, true), kInvalid, custom, "0x58"},
       {latin, ascii("123"), F(kTE, true), kInvalid, custom, "0x33"},
       {latin, ascii("12s"), F(kTE, true), kInvalid, custom, "0x73"},
@@ -248,14 +244,14 @@ TEST(DataCnvZoned, BadInputFailsAsDocumented) {
   for (const auto& [cnv, field, form, code, what, insert] : faults) {
     expectConversionFailure([&] { readInt(cnv, field, form); }, code, common, {what, insert});
   }
-  expectConversionFailure([&] { readInt(latin, ascii("9223372036854775808"), F(kNo)); }, kBounds,
-                          "DataCnv::UStringToInt64",
+  expectConversionFailure([&] { readInt(latin, ascii("9223372036854775808"), F(kNoSign)); },
+                          kBounds, "DataCnv::UStringToInt64",
                           {"string", "9223372036854775808", "8-byte integer"});
   expectFailure<ZanParserException>(
       [&] { readInt(latin, ascii("1"), F(kTE, false, kRight, 0x140, false)); }, kBadPad.symbol,
       kBadPad.messageNumber, kBadPad.traceText, "datacnv", common, {"0x0140", "819"});
   DataCnv utf16(1200);
-  expectConversionFailure([&] { readInt(utf16, {0x31}, F(kNo)); }, kInternal,
+  expectConversionFailure([&] { readInt(utf16, {0x31}, F(kNoSign)); }, kInternal,
                           "DataCnv::toUnicodeString",
                           {"size < MinBytesPerChar for codepage: ", "1200"});
   // Writing; no failure writes into the caller's buffer.
@@ -263,21 +259,21 @@ TEST(DataCnvZoned, BadInputFailsAsDocumented) {
   Bytes field(3, 0xEE);
   std::int32_t size = 3;
   std::int32_t zero = 0;
-  expectConversionFailure([&] { latin.ExtDecFromInt64(1, nullptr, size, FORM(F(kNo))); }, kInternal,
-                          "DataCnv::ExtDecFromInt64", {"Null output buffer pointer"});
-  expectConversionFailure([&] { latin.ExtDecFromDbl(1, field.data(), zero, 0, FORM(F(kNo))); },
+  expectConversionFailure([&] { latin.ExtDecFromInt64(1, nullptr, size, FORM(F(kNoSign))); },
+                          kInternal, "DataCnv::ExtDecFromInt64", {"Null output buffer pointer"});
+  expectConversionFailure([&] { latin.ExtDecFromDbl(1, field.data(), zero, 0, FORM(F(kNoSign))); },
                           kInternal, "DataCnv::ExtDecFromDbl",
                           {"Invalid output buffer size: ", "0"});
   expectConversionFailure(
-      [&] { latin.ExtDecFromDec(nullptr, field.data(), size, 0, FORM(F(kNo))); }, kInternal,
+      [&] { latin.ExtDecFromDec(nullptr, field.data(), size, 0, FORM(F(kNoSign))); }, kInternal,
       "DataCnv::ExtDecFromDec", {"Null input pointer"});
   const auto write = [&](std::int64_t value, const Form& f) {
     return [&, value, f] { latin.ExtDecFromInt64(value, field.data(), size, FORM(f)); };
   };
   const std::vector<std::string> tooLong = {"external decimal", "string"};
-  expectConversionFailure(write(1234, F(kNo)), kTooLong, writer, tooLong);
-  expectConversionFailure(write(-123, F(kLS)), kTooLong, writer, tooLong);
-  expectConversionFailure(write(-1, F(kNo)), kBounds, writer,
+  expectConversionFailure(write(1234, F(kNoSign)), kTooLong, writer, tooLong);
+  expectConversionFailure(write(-123, F(kLeading)), kTooLong, writer, tooLong);
+  expectConversionFailure(write(-1, F(kNoSign)), kBounds, writer,
                           {"unsigned external decimal", "signed number"});
   expectConversionFailure(write(1, F(ESign(-1))), kInternal, writer, {"Invalid sign type: ", "-1"});
   expectConversionFailure([&] { writeDecimal(latin, "1,5", 3, 0, F()); }, kInvalid, writer,
@@ -290,9 +286,10 @@ TEST(DataCnvZoned, BadInputFailsAsDocumented) {
   EXPECT_EQ(field, Bytes(3, 0xEE));
   // Two-byte characters cannot fill an odd number of bytes.
   expectFailure<ZanParserException>(
-      [&] { writeInt(utf16, 1, 5, F(kNo, false, kRight, u' ')); }, "CP_CONV_INVALID_PADDING_SIZE",
-      0xC0001591, "CPI Converter An attempt to add padding to fixed length field has failed",
-      "datacnv", "DataCnv::ExtDecPadData", {" ", "3"});
+      [&] { writeInt(utf16, 1, 5, F(kNoSign, false, kRight, u' ')); },
+      "CP_CONV_INVALID_PADDING_SIZE", 0xC0001591,
+      "CPI Converter An attempt to add padding to fixed length field has failed", "datacnv",
+      "DataCnv::ExtDecPadData", {" ", "3"});
 }
 
 }  // namespace
