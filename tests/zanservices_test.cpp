@@ -9,6 +9,7 @@
 #include <zan/zanutility.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/capturing_sink.h"
@@ -24,7 +25,6 @@ TEST(ZanStringBase, Utf8RoundTripAndSharedStorage) {
   EXPECT_EQ(text.length(), 5);
   EXPECT_EQ(text[3], 0xD83D);
   EXPECT_EQ(text.toUtf8(), utf8);
-
   const ZanStringBase original = ZanStringBase::fromUtf8(std::string(200, 'x'));
   ZanStringBase copy = original;
   EXPECT_TRUE(copy.sharesStorageWith(original));
@@ -38,7 +38,6 @@ TEST(ZanStringBase, BuildsEditsAndOrdersUnits) {
   EXPECT_EQ(ZanStringBase(u"abc\0def", -1).length(), 3);
   EXPECT_TRUE(ZanStringBase(nullptr).isEmpty());
   EXPECT_EQ(ZanStringBase(u"abcdef", 3).terminatedData()[3], u'\0');
-
   ZanStringBase text(u"12345");
   text.insert(0, u'-').append(u".5").erase(1, 1).replace(0, 1, ZanStringBase(u"+"));
   EXPECT_EQ(text.toUtf8(), "+2345.5");
@@ -46,28 +45,24 @@ TEST(ZanStringBase, BuildsEditsAndOrdersUnits) {
   EXPECT_EQ(text.substring(1, 3).toUtf8(), "234");
   text.reserve(1000);
   EXPECT_EQ(text.truncate(2).toUtf8(), "+2");
-
   EXPECT_LT(ZanStringBase(u"Z"), ZanStringBase(u"a"));  // code-unit order, not collation
   EXPECT_LT(ZanStringBase(u"ab"), ZanStringBase(u"abc"));
 }
 
 TEST(ZanLog, RecordsAreGatedByKindAndFilter) {
-  struct Case {
-    int filter;
-    size_t expectedRecords;  // of: trace, entry, debug entry, debug trace, warning, error
-  };
-  // Trace and entry need 3, debug records 4; warnings and errors are always written.
-  const Case cases[] = {{0, 2}, {2, 2}, {3, 4}, {4, 6}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.filter);
-    CapturingSink sink(c.filter);
+  // Of trace, entry, debug entry, debug trace, warning and error: trace and entry need filter 3,
+  // debug records 4; warnings and errors are always written.
+  for (const auto& [filter, expectedRecords] :
+       {std::pair(2, 2u), std::pair(3, 4u), std::pair(4, 6u)}) {
+    SCOPED_TRACE(filter);
+    CapturingSink sink(filter);
     ZanLog::TraceItem("f", "trace").writeToFile();
     ZanLog::writeEntry("f");
     ZanLog::writeDebugEntry("f");
     { ZanLog::FastDebugTraceItem("f", "label") << 1 << ZanLog::FastItem::MagicInsert; }
     ZanLog::WarningItem(ZanLogSource(), "file", 1, "f", 5, "warning").write();
     ZanLog::ErrorItem("file", 1, "f", ZanLog::iDefaultLogSource, 5, "error").write();
-    EXPECT_EQ(sink.records().size(), c.expectedRecords);
+    EXPECT_EQ(sink.records().size(), expectedRecords);
   }
 }
 
@@ -106,7 +101,6 @@ TEST(ZanLogSource, OwnedSourceAnswersThroughItsOwner) {
   EXPECT_TRUE(owned.isNamed());
   EXPECT_EQ(owned.logType().toUtf8(), "flow");
   EXPECT_EQ(owned.logLabel().toUtf8(), "label");
-
   CapturingSink sink(4);
   EXPECT_TRUE(owned.isDebugTraceActive());
   EXPECT_FALSE(owned.isUserTraceActive());
