@@ -5,8 +5,8 @@
 #include <unicode/decimfmt.h>
 #include <unicode/numfmt.h>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 const ZanStringBase DataCnv::US_MINUS = ZanStringBase::fromLiteral(u"-");

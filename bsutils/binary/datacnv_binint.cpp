@@ -8,8 +8,8 @@
 #include <limits>
 #include <span>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

@@ -13,8 +13,8 @@
 #include <cstring>
 #include <limits>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <limits>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

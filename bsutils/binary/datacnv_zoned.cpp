@@ -17,8 +17,8 @@
 #include <utility>
 #include <vector>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 
 namespace {
 

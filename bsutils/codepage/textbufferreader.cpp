@@ -7,8 +7,8 @@
 #include <iterator>
 #include <new>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <new>
 #include <string>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <bsutils/bitstreambufferreader.h>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 
 BitstreamBufferReader::BitstreamBufferReader(const BitstreamBuffer* buffer) {
   if (buffer == nullptr) {

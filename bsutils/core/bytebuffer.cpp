@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 
 namespace {
 

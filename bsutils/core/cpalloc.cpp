@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 
 namespace {
 constexpr const char* kModule = "cpalloc";

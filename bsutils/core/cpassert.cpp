@@ -1,7 +1,7 @@
 #include <bsutils/cpassert.h>
 #include <zan/zanlog.h>
 
-#include "cpcodes.h"
+#include "core/cpcodes.h"
 
 namespace {
 constexpr const char* kModule = "cpassert";

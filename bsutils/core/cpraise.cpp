@@ -1,4 +1,4 @@
-#include "cpraise.h"
+#include "core/cpraise.h"
 
 #include <zan/zanexception.h>
 #include <zan/zanlog.h>

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "cpcodes.h"
+#include "core/cpcodes.h"
 
 class ZanLogSource;
 

@@ -1,7 +1,7 @@
 #include <bsutils/dataconv.h>
 #include <bsutils/messageinfo.h>
 
-#include "cpdebugtrace.h"
+#include "core/cpdebugtrace.h"
 
 const char16_t* MessageInfo::getProperty(const char16_t* name) const {
   return getProperty(ZanStringBase(name));

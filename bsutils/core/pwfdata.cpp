@@ -8,8 +8,8 @@
 #include <limits>
 #include <utility>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 
 namespace {
 

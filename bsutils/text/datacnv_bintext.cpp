@@ -6,8 +6,8 @@
 #include <limits>
 #include <vector>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 PWFData DataCnv::StrFromBin(const unsigned char* bytes, std::int32_t length) {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

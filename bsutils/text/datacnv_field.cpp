@@ -10,8 +10,8 @@
 #include <cstring>
 #include <vector>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

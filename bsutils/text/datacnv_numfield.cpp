@@ -12,10 +12,10 @@
 #include <optional>
 #include <string>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
-#include "numberscan.h"
+#include "text/numberscan.h"
 
 namespace {
 

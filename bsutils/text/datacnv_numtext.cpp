@@ -8,10 +8,10 @@
 #include <optional>
 #include <string_view>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
-#include "numberscan.h"
+#include "text/numberscan.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 bool DataCnv::signedFieldNumber(const FieldReaderRules& rules, const char16_t* text,

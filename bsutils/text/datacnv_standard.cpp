@@ -9,11 +9,11 @@
 #include <limits>
 #include <string>
 
-#include "cpdebugtrace.h"
-#include "cpraise.h"
+#include "core/cpdebugtrace.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
-#include "isodatetime.h"
-#include "numberscan.h"
+#include "text/isodatetime.h"
+#include "text/numberscan.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "isodatetime.h"
+#include "text/isodatetime.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 #include "datacnvprivate.h"
 
 namespace {

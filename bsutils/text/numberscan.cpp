@@ -1,6 +1,6 @@
 // The grammar of number text, shared by every conversion that reads one.
 
-#include "numberscan.h"
+#include "text/numberscan.h"
 
 #include <unicode/uchar.h>
 

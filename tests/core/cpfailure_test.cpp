@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cpraise.h"
+#include "core/cpraise.h"
 #include "support/capturing_sink.h"
 
 namespace {
