@@ -9,6 +9,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 const ZanStringBase DataCnv::US_MINUS = ZanStringBase::fromLiteral(u"-");
 const ZanStringBase DataCnv::US_PLUS = ZanStringBase::fromLiteral(u"+");
 const ZanStringBase DataCnv::UHEX_NUMBERS = ZanStringBase::fromLiteral(u"0123456789abcdefABCDEF");
@@ -168,3 +170,20 @@ UErrorCode DataCnv::fromUnicodeString(const ZanStringBase& input, unsigned char*
   getConverter()->fromUnicodeString(reinterpret_cast<char*>(output), size, input, status);
   return trace.result(status);
 }
+
+namespace bsutils::internal {
+
+void requireInputPointer(const DataCnv* cnv, const char* function, const void* input) {
+  if (input == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, "Null input pointer");
+  }
+}
+
+void requireOutputBuffer(const DataCnv* cnv, const char* function, const void* output) {
+  if (output == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
+             "Null output buffer pointer");
+  }
+}
+
+}  // namespace bsutils::internal

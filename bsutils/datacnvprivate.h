@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace bsutils::internal {
+
 inline constexpr const char* kDataCnvModule = "datacnv";
 
 // Room for the bytes of any one character in any code page, shift bytes included.
@@ -27,5 +29,7 @@ struct FieldReaderRules {
   const char* valueKind;  // the insert of the negative-length failure
   bool embeddedSignsAllowed;
 };
+
+}  // namespace bsutils::internal
 
 #endif  // BSUTILS_DATACNVPRIVATE_H

@@ -12,6 +12,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr std::int32_t kMaxIntegerBytes = 8;

@@ -17,6 +17,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr std::uint32_t kSignBit = 0x80000000;

@@ -15,6 +15,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr unsigned char kUnsignedNibble = 0xF;

@@ -21,6 +21,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 using ESign = DataCnv::ESign;

@@ -11,6 +11,8 @@
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr const char* kModule = "base64";

@@ -10,6 +10,8 @@
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr const char* kModule = "textbffr";

@@ -2,6 +2,8 @@
 
 #include "core/cpraise.h"
 
+using namespace bsutils::internal;
+
 BitstreamBufferReader::BitstreamBufferReader(const BitstreamBuffer* buffer) {
   if (buffer == nullptr) {
     CP_RAISE(CP_INTERNAL_ERROR, "bytebuffer", "BitstreamBufferReader::BitstreamBufferReader",

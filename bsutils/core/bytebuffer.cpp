@@ -9,6 +9,8 @@
 
 #include "core/cpraise.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr const char* kModule = "bytebuffer";

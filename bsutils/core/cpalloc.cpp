@@ -4,6 +4,8 @@
 
 #include "core/cpraise.h"
 
+using namespace bsutils::internal;
+
 namespace {
 constexpr const char* kModule = "cpalloc";
 }

@@ -3,6 +3,8 @@
 
 #include "core/cpcodes.h"
 
+using namespace bsutils::internal;
+
 namespace {
 constexpr const char* kModule = "cpassert";
 constexpr const char* kFunction = "cpAssert";

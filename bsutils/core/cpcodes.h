@@ -11,6 +11,8 @@
 #include <iterator>
 #include <string_view>
 
+namespace bsutils::internal {
+
 enum class CpExceptionClass : std::uint8_t {
   conversion,   // ZanConversionException
   parser,       // ZanParserException
@@ -201,5 +203,7 @@ consteval bool cpCodesAreInEnumerationOrder() {
   return static_cast<std::size_t>(CpCode::QZR2132) + 1 == std::size(kCpCodes);
 }
 static_assert(cpCodesAreInEnumerationOrder(), "kCpCodes must list every CpCode in order");
+
+}  // namespace bsutils::internal
 
 #endif  // BSUTILS_CPCODES_H

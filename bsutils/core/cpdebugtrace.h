@@ -12,6 +12,8 @@
 
 #include <zan/zanlog.h>
 
+namespace bsutils::internal {
+
 class CpDebugTrace {
  public:
   template <class... Arguments>
@@ -45,5 +47,7 @@ class CpDebugTrace {
  private:
   const char* function_;  // null when debug trace was off at entry, or the exit is written
 };
+
+}  // namespace bsutils::internal
 
 #endif  // BSUTILS_CPDEBUGTRACE_H

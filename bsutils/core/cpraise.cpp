@@ -4,6 +4,8 @@
 #include <zan/zanlog.h>
 #include <zan/zanlogsource.h>
 
+namespace bsutils::internal {
+
 namespace {
 
 constexpr const char* kThrowingException = "Throwing exception";
@@ -51,3 +53,5 @@ void cpRaiseRendered(const CpRaiseSite& site, CpCode code, const char* traceText
   }
   throwAs<ZanConversionException>(site, info, text, inserts);
 }
+
+}  // namespace bsutils::internal

@@ -19,6 +19,8 @@
 
 class ZanLogSource;
 
+namespace bsutils::internal {
+
 struct CpRaiseSite {
   const char* module;
   int line;
@@ -35,8 +37,11 @@ template <class... Inserts>
   cpRaiseRendered(site, code, traceText, {zanInsertText(inserts)...});
 }
 
-#define CP_RAISE(code, module, function, logSource, traceText, ...)         \
-  cpRaise(CpRaiseSite{module, __LINE__, function, logSource}, CpCode::code, \
-          traceText __VA_OPT__(, ) __VA_ARGS__)
+}  // namespace bsutils::internal
+
+#define CP_RAISE(code, module, function, logSource, traceText, ...)                     \
+  ::bsutils::internal::cpRaise(                                                          \
+      ::bsutils::internal::CpRaiseSite{module, __LINE__, function, logSource},           \
+      ::bsutils::internal::CpCode::code, traceText __VA_OPT__(, ) __VA_ARGS__)
 
 #endif  // BSUTILS_CPRAISE_H

@@ -3,6 +3,8 @@
 
 #include "core/cpdebugtrace.h"
 
+using namespace bsutils::internal;
+
 const char16_t* MessageInfo::getProperty(const char16_t* name) const {
   return getProperty(ZanStringBase(name));
 }

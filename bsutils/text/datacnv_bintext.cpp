@@ -10,6 +10,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 PWFData DataCnv::StrFromBin(const unsigned char* bytes, std::int32_t length) {
   constexpr const char* kFunction = "DataCnv::StrFromBin";
   CpDebugTrace trace(kFunction, static_cast<const void*>(bytes), length);

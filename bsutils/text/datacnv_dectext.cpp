@@ -10,6 +10,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr char16_t kPoint = u'.';

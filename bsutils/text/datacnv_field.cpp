@@ -14,6 +14,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 bool startsWith(const ZanStringBase& text, const char16_t* prefix, std::int32_t prefixLength) {

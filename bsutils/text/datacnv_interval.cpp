@@ -13,6 +13,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr const char* kReadFunction = "DataCnv::StrToInterval";

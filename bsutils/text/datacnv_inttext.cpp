@@ -12,6 +12,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 // What differs between the 4- and 8-byte readers: their texts and their limits.

@@ -17,6 +17,8 @@
 #include "datacnvprivate.h"
 #include "text/numberscan.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr std::int32_t kMaxDecimalPlaces = 998;

@@ -13,6 +13,8 @@
 #include "datacnvprivate.h"
 #include "text/numberscan.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 // Room for the scientific text of any double ("-1.7976931348623157e+308") and for the positional

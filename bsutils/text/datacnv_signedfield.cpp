@@ -9,6 +9,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+using namespace bsutils::internal;
+
 bool DataCnv::signedFieldNumber(const FieldReaderRules& rules, const char16_t* text,
                                 std::int32_t length, ESign sign, const char16_t* minus,
                                 const char16_t* plus, ETrimType trimType,
@@ -90,19 +92,6 @@ ZanStringBase DataCnv::signedField(const char* function, const char* noSignKind,
              "string (", text.length(), " characters)");
   }
   return text;
-}
-
-void requireInputPointer(const DataCnv* cnv, const char* function, const void* input) {
-  if (input == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, "Null input pointer");
-  }
-}
-
-void requireOutputBuffer(const DataCnv* cnv, const char* function, const void* output) {
-  if (output == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
-             "Null output buffer pointer");
-  }
 }
 
 void DataCnv::storeField(const ZanStringBase& text, char16_t* out, std::int32_t& outLength) {

@@ -15,6 +15,8 @@
 #include "text/isodatetime.h"
 #include "text/numberscan.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 constexpr const char* kFromFunction = "DataCnv::StandardStrFromData";

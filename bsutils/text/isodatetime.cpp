@@ -8,6 +8,8 @@
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
+namespace bsutils::internal {
+
 namespace {
 
 constexpr const char* kWriter = "DataCnv::StandardStrFromData";
@@ -143,3 +145,5 @@ PWFDateTime isoDateTimeValue(const ZanStringBase& text, const ZanLogSource* logS
   if (!cursor.atEnd()) cursor.fail();
   return value;
 }
+
+}  // namespace bsutils::internal

@@ -12,6 +12,8 @@
 
 class ZanLogSource;
 
+namespace bsutils::internal {
+
 // Raises CP_CONV_INPUT_DATA_INVALID (insert "date-time") for a record with neither half set.
 ZanStringBase isoDateTimeText(const PWFDateTime& value, const ZanLogSource* logSource);
 
@@ -19,5 +21,7 @@ ZanStringBase isoDateTimeText(const PWFDateTime& value, const ZanLogSource* logS
 // not set; a time without a fraction has subsecond and scale 0. Raises CP_CONV_INPUT_DATA_INVALID
 // (inserts "date-time" and the text) for anything else or a field out of its range.
 PWFDateTime isoDateTimeValue(const ZanStringBase& text, const ZanLogSource* logSource);
+
+}  // namespace bsutils::internal
 
 #endif  // BSUTILS_ISODATETIME_H

@@ -8,6 +8,8 @@
 #include <string>
 #include <system_error>
 
+namespace bsutils::internal {
+
 namespace {
 
 // Exponents are read up to this magnitude and held there beyond it: every non-zero mantissa is then
@@ -94,3 +96,5 @@ std::optional<double> roundedMagnitude(const ScannedNumber& number, std::int64_t
   }
   return value;
 }
+
+}  // namespace bsutils::internal

@@ -12,6 +12,8 @@
 #include <optional>
 #include <string>
 
+namespace bsutils::internal {
+
 // What a text may hold besides ASCII digits and the optional exponent ("e" or "E", an optional
 // sign, digits).
 struct NumberGrammar {
@@ -46,5 +48,7 @@ std::optional<std::int64_t> leadingExponent(const ScannedNumber& number, std::in
 // The unsigned mantissa times ten to (exponent + `shift`), correctly rounded; nothing when its
 // magnitude is beyond the largest double. A magnitude below the smallest one rounds to zero.
 std::optional<double> roundedMagnitude(const ScannedNumber& number, std::int64_t shift);
+
+}  // namespace bsutils::internal
 
 #endif  // BSUTILS_NUMBERSCAN_H

@@ -35,8 +35,11 @@ U_NAMESPACE_BEGIN
 class DecimalFormat;
 U_NAMESPACE_END
 
+// The library's private helpers that DataCnv's private members take.
+namespace bsutils::internal {
 struct FieldReaderRules;
 struct ScannedNumber;
+}  // namespace bsutils::internal
 
 class DataCnv : public ZanOwnedLogSource {
  public:
@@ -739,10 +742,10 @@ class DataCnv : public ZanOwnedLogSource {
   // Checks a reader's arguments (`rules` has its texts), trims the field and takes its sign off
   // into `number`; returns whether the sign was a minus. `number` is empty when the field held
   // nothing else.
-  bool signedFieldNumber(const FieldReaderRules& rules, const char16_t* text, std::int32_t length,
-                         ESign sign, const char16_t* minus, const char16_t* plus,
-                         ETrimType trimType, EJustification justification, char16_t padChar,
-                         bool padIsUnicode, ZanStringBase& number);
+  bool signedFieldNumber(const bsutils::internal::FieldReaderRules& rules, const char16_t* text,
+                         std::int32_t length, ESign sign, const char16_t* minus,
+                         const char16_t* plus, ETrimType trimType, EJustification justification,
+                         char16_t padChar, bool padIsUnicode, ZanStringBase& number);
   // A writer's checks: the capacity, the sign strings and the sign style (0, 3 or 4).
   void checkFieldWriterArguments(const char* function, std::int32_t capacity, ESign sign,
                                  const char16_t* minus, const char16_t* plus);
@@ -795,15 +798,16 @@ class DataCnv : public ZanOwnedLogSource {
 
   // Float and decimal fields: the number of a field under `format`, strict checks included, into
   // `number`; false for a field with nothing in it, which only a lenient reader accepts.
-  bool numberFromField(const FieldReaderRules& rules, const char16_t* text, std::int32_t length,
-                       ESign sign, const char16_t* minus, const char16_t* plus, ETrimType trimType,
-                       EJustification justification, char16_t padChar, bool padIsUnicode,
-                       const NumericTextFormat& format, ScannedNumber& number);
+  bool numberFromField(const bsutils::internal::FieldReaderRules& rules, const char16_t* text,
+                       std::int32_t length, ESign sign, const char16_t* minus, const char16_t* plus,
+                       ETrimType trimType, EJustification justification, char16_t padChar,
+                       bool padIsUnicode, const NumericTextFormat& format,
+                       bsutils::internal::ScannedNumber& number);
   // The decimal text of `number` times ten to `shift` (see StrToDec); `source` and `kind` are the
   // inserts of the out-of-bounds failure.
   ZanStringBase decimalFromNumber(const char* function, const char* kind,
-                                  const ScannedNumber& number, std::int64_t shift,
-                                  const ZanStringBase& source);
+                                  const bsutils::internal::ScannedNumber& number,
+                                  std::int64_t shift, const ZanStringBase& source);
   // The field text of a decimal in normal form (see StrFromDec), by the format.
   ZanStringBase numberField(const char* function, const char* kind,
                             const ZanStringBase& normalDecimal, std::int32_t capacity, ESign sign,

@@ -11,6 +11,8 @@
 #include "core/cpraise.h"
 #include "support/capturing_sink.h"
 
+using namespace bsutils::internal;
+
 namespace {
 
 using Strings = std::vector<std::string>;
