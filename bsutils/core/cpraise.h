@@ -39,9 +39,9 @@ template <class... Inserts>
 
 }  // namespace bsutils::internal
 
-#define CP_RAISE(code, module, function, logSource, traceText, ...)                     \
-  ::bsutils::internal::cpRaise(                                                          \
-      ::bsutils::internal::CpRaiseSite{module, __LINE__, function, logSource},           \
+#define CP_RAISE(code, module, function, logSource, traceText, ...)            \
+  ::bsutils::internal::cpRaise(                                                \
+      ::bsutils::internal::CpRaiseSite{module, __LINE__, function, logSource}, \
       ::bsutils::internal::CpCode::code, traceText __VA_OPT__(, ) __VA_ARGS__)
 
 #endif  // BSUTILS_CPRAISE_H

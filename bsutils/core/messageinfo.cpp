@@ -1,6 +1,9 @@
-#include <bsutils/dataconv.h>
+// Message properties. Their integer read is the converter's integer text field, and lives with it
+// in text/messageinfo_integerview.cpp.
+
 #include <bsutils/messageinfo.h>
 
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 
 using namespace bsutils::internal;
@@ -34,24 +37,6 @@ void MessageInfo::setProperty(const ZanStringBase& name, const ZanStringBase& va
   properties_.insert_or_assign(name, value);
 }
 
-std::int64_t MessageInfo::getPropertyAsInteger(const char16_t* name) const {
-  return getPropertyAsInteger(ZanStringBase(name));
-}
-
-std::int64_t MessageInfo::getPropertyAsInteger(const ZanStringBase& name) const {
-  CpDebugTrace trace("MessageInfo::getPropertyAsInteger", name);
-  const auto found = properties_.find(name);
-  if (found == properties_.end()) return trace.result(kNoInteger);
-  // Property texts are UTF-16 already, so a converter with default settings reads them whatever
-  // the message's own code page.
-  const ZanStringBase& text = found->second;
-  const std::int64_t value =
-      DataCnv().StrToInt64(text.data(), text.length(), DataCnv::eLeadingSeparateSign,
-                           DataCnv::US_MINUS.terminatedData(), DataCnv::US_PLUS.terminatedData(),
-                           DataCnv::eTrimWhiteSpace, DataCnv::eLeftJustified, u'0', true);
-  return trace.result(value);
-}
-
 void MessageInfo::setPropertyFromInteger(const char16_t* name, std::int64_t value) {
   setPropertyFromInteger(ZanStringBase(name), value);
 }
@@ -61,7 +46,7 @@ void MessageInfo::setPropertyFromInteger(const ZanStringBase& name, std::int64_t
   if (value == kNoInteger) {
     properties_.erase(name);
   } else {
-    setProperty(name, DataCnv().StrFromInt64(value).getPWFStringValue());
+    setProperty(name, integerText(value));
   }
 }
 

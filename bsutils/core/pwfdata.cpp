@@ -1,5 +1,7 @@
+// The typed value. Its debug text is the standard text form of values, which the text conversions
+// write: see text/pwfdata_debugstring.cpp.
+
 #include <bsutils/cpalloc.h>
-#include <bsutils/dataconv.h>
 #include <bsutils/pwfdata.h>
 #include <zan/zanlog.h>
 
@@ -8,6 +10,7 @@
 #include <limits>
 #include <utility>
 
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 
@@ -24,15 +27,10 @@ std::int32_t unitsToBytes(std::int32_t units) {
   return units < 0 || units > std::numeric_limits<std::int32_t>::max() / 2 ? kRefused : units * 2;
 }
 
-// Decimals compare by value as far as their texts show it: both are brought to the one normal form
-// of a converter with default settings, so "1.50" equals "01.5" and "-0" equals "0".
+// Decimals compare by value as far as their texts show it, through their one normal form: "1.50"
+// equals "01.5" and "-0" equals "0".
 bool decimalsEqual(const ZanStringBase& left, const ZanStringBase& right) {
-  DataCnv converter;
-  ZanStringBase leftNormal;
-  ZanStringBase rightNormal;
-  converter.StrFromDec(left, leftNormal);
-  converter.StrFromDec(right, rightNormal);
-  return leftNormal == rightNormal;
+  return normalDecimalText(left) == normalDecimalText(right);
 }
 
 }  // namespace
@@ -452,21 +450,6 @@ std::int32_t PWFData::getDecimalLength() const {
   CpDebugTrace trace("PWFData::getDecimalLength");
   requireType(eDecimal, "PWFData::getDecimalLength", "Logical type not equal to decimal");
   return trace.result(text_.length());
-}
-
-PWFData PWFData::getDebugString() const {
-  // Built once and shared: each copy is a reference to the same text.
-  static const PWFData kInvalid(ZanStringBase::fromLiteral(u"INVALID"));
-  static const PWFData kNull(ZanStringBase::fromLiteral(u"NULL"));
-  static const PWFData kNothing(ZanStringBase::fromLiteral(u"NOTHING"));
-  if (isNothing()) return kNothing;
-  if (isNull()) return kNull;
-  try {
-    return DataCnv().StandardStrFromData(*this);
-  } catch (...) {
-    // A diagnostic must not fail the caller it describes.
-    return kInvalid;
-  }
 }
 
 bool PWFData::operator==(const PWFData& other) const {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "core/canonicaltext.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
 
@@ -68,12 +69,7 @@ void DataCnv::validateDecimal(const ZanStringBase& text) {
   }
 }
 
-void DataCnv::removeTrailingDecimal(ZanStringBase& text) {
-  const std::int32_t point = text.indexOf(kPoint);
-  if (point < 0) return;
-  if (point == 0) text.insert(0, kZero);
-  if (text[text.length() - 1] == kPoint) text.truncate(text.length() - 1);
-}
+void DataCnv::removeTrailingDecimal(ZanStringBase& text) { completePoint(text); }
 
 void DataCnv::adjustDecimalForString(ZanStringBase& text, std::int32_t scale) {
   if (text.isEmpty() || scale == 0) return;
@@ -131,12 +127,4 @@ void DataCnv::TrimFromDecimal(ZanStringBase& text) {
   if (point >= 0) text.truncate(point);
 }
 
-void DataCnv::TrimNonSignificantZeros(ZanStringBase& text) {
-  if (text.isEmpty()) return;
-  const bool hasPoint = text.indexOf(kPoint) >= 0;
-  TrimData(text, eTrimPadding, eRightJustified, kZero, true);
-  // Trailing zeros are significant in an integer; only a fraction loses them.
-  if (hasPoint) TrimData(text, eTrimPadding, eLeftJustified, kZero, true);
-  // No zero goes back before a leading point: "0.50" becomes ".5".
-  if (!text.isEmpty() && text[text.length() - 1] == kPoint) text.truncate(text.length() - 1);
-}
+void DataCnv::TrimNonSignificantZeros(ZanStringBase& text) { trimNonSignificantZeros(text); }

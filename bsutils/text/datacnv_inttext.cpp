@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
@@ -115,20 +116,7 @@ std::int64_t DataCnv::StrToInt64(const char16_t* text, std::int32_t length, ESig
                                                      justification, padChar, padIsUnicode));
 }
 
-void DataCnv::Int64ToUString(std::int64_t value, ZanStringBase& out) {
-  // Signed division leaves negative remainders for a negative value, so the smallest value is
-  // rendered without ever being negated.
-  char16_t units[20];  // 19 digits and a sign
-  std::int32_t start = sizeof units / sizeof units[0];
-  std::int64_t rest = value;
-  do {
-    const auto remainder = static_cast<std::int32_t>(rest % 10);
-    units[--start] = static_cast<char16_t>(u'0' + (remainder < 0 ? -remainder : remainder));
-    rest /= 10;
-  } while (rest != 0);
-  if (value < 0) units[--start] = u'-';
-  out = ZanStringBase(units + start, static_cast<std::int32_t>(std::size(units)) - start);
-}
+void DataCnv::Int64ToUString(std::int64_t value, ZanStringBase& out) { out = integerText(value); }
 
 std::int64_t DataCnv::UStringToInt64(const ZanStringBase& text) {
   constexpr const char* kFunction = "DataCnv::UStringToInt64";

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
@@ -68,17 +69,6 @@ double DataCnv::PWFStringTodouble(const ZanStringBase& text) {
 
 void DataCnv::StrFromDec(const ZanStringBase& decimal, ZanStringBase& out) {
   CpDebugTrace trace("DataCnv::StrFromDec", decimal);
-  const bool hasSign = !decimal.isEmpty() && (decimal[0] == u'+' || decimal[0] == u'-');
-  const bool negative = hasSign && decimal[0] == u'-';
-  ZanStringBase digits = hasSign ? decimal.substring(1, decimal.length() - 1) : decimal;
-  TrimNonSignificantZeros(digits);
-  removeTrailingDecimal(digits);
-  // Every zero trims down to nothing, so an empty text is the only zero left, and it has no sign.
-  if (digits.isEmpty()) {
-    digits.append(u'0');
-  } else if (negative) {
-    digits.insert(0, US_MINUS);
-  }
-  out = digits;
+  out = normalDecimalText(decimal);
   trace.result(out);
 }
