@@ -4,10 +4,12 @@
 // The two byte-buffer interfaces that parsers, writers and the text cursors are handed. Lengths and
 // offsets are signed 32-bit byte counts.
 
+#include <bsutils/export.h>
+
 #include <cstdint>
 
 // Read access to a contiguous run of bytes.
-class BitstreamBuffer {
+class BSUTILS_EXPORT BitstreamBuffer {
  public:
   // The address of byte `offset`; `*available` is set to the bytes from there to the end.
   virtual const void* getData(std::int32_t* available, std::int32_t offset) const = 0;
@@ -18,7 +20,7 @@ class BitstreamBuffer {
 };
 
 // A growable byte sequence that can be appended to, overwritten, cut and written into in place.
-class WritableBitstreamBuffer : public BitstreamBuffer {
+class BSUTILS_EXPORT WritableBitstreamBuffer : public BitstreamBuffer {
  public:
   // Empties the buffer, keeping its storage.
   virtual void reset() = 0;

@@ -5,10 +5,11 @@
 // them, and never an address outside them: out-of-range requests give null.
 
 #include <bsutils/bitstreambuffer.h>
+#include <bsutils/export.h>
 
 #include <cstdint>
 
-class BitstreamBufferReader : public BitstreamBuffer {
+class BSUTILS_EXPORT BitstreamBufferReader : public BitstreamBuffer {
  public:
   // Over the buffer's bytes as they are now: later growth of the buffer is not seen. A null
   // buffer raises CP_INTERNAL_ERROR ("Null input pointer").

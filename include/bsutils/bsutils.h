@@ -18,6 +18,7 @@
 #include <bsutils/pwfdata.h>
 #include <bsutils/textbufferreader.h>
 #include <bsutils/textbufferwriter.h>
+#include <bsutils/version.h>
 #include <bsutils/workerinfo.h>
 #include <zan/zanexception.h>
 #include <zan/zaninsert.h>

@@ -6,11 +6,12 @@
 // is read); the operations that copy bytes check what they copy.
 
 #include <bsutils/bitstreambuffer.h>
+#include <bsutils/export.h>
 
 #include <cstdint>
 
 // A view of bytes that the caller owns and keeps alive.
-class ReadOnlyByteBuffer : public BitstreamBuffer {
+class BSUTILS_EXPORT ReadOnlyByteBuffer : public BitstreamBuffer {
  public:
   ReadOnlyByteBuffer() = default;
   ReadOnlyByteBuffer(const void* data, std::int32_t length);
@@ -37,7 +38,7 @@ class ReadOnlyByteBuffer : public BitstreamBuffer {
 // `data` with a positive length ("Null input pointer"), a negative write offset ("Invalid offset:
 // " and the offset), growth past the largest 32-bit length ("Invalid input length: " and the
 // length). A failed allocation is the ZanFatalException of cpMalloc.
-class ReadWriteByteBuffer : public WritableBitstreamBuffer {
+class BSUTILS_EXPORT ReadWriteByteBuffer : public WritableBitstreamBuffer {
  public:
   ReadWriteByteBuffer() = default;
   // Starts with a copy of `length` bytes of `data` (none when `data` is null or `length` < 1).

@@ -11,12 +11,13 @@
 //
 // Failures are raised with source module "base64".
 
+#include <bsutils/export.h>
 #include <bsutils/pwfdata.h>
 #include <zan/zanstringbase.h>
 
 #include <cstdint>
 
-class CPBase64Converter {
+class BSUTILS_EXPORT CPBase64Converter {
  public:
   // Make sure the tables are built; both are idempotent and thread-safe. The encoder and decoder
   // call them themselves, so a caller needs them only to take the one-off cost up front.

@@ -12,6 +12,7 @@
 // used by two threads at once; the static local conversions open their own and may run anywhere.
 
 #include <bsutils/encoding.h>
+#include <bsutils/export.h>
 #include <unicode/ucnv.h>
 #include <zan/zanstringbase.h>
 
@@ -20,7 +21,7 @@
 #include <string>
 
 // The name a CCSID and byte order open, and the status of opening it.
-class CPBaseUnicodeConverter {
+class BSUTILS_EXPORT CPBaseUnicodeConverter {
  public:
   // True exactly for the UTF-16 CCSIDs 1200, 13488 and 17584; UTF-8 (1208) is not counted.
   static bool IsUnicode(std::int32_t ccsid);
@@ -34,7 +35,7 @@ class CPBaseUnicodeConverter {
   std::string name_;
 };
 
-class CPUnicodeConverter : public CPBaseUnicodeConverter {
+class BSUTILS_EXPORT CPUnicodeConverter : public CPBaseUnicodeConverter {
  public:
   // Opens the converter for `ccsid`. Raises ZanRecoverableException with source module
   // "cpunicodeconverter", function "cpunicodeconverter::cpunicodeconverter" and the inserts CCSID

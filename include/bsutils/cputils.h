@@ -3,12 +3,13 @@
 
 // Narrow-text renderings of raw bytes and date-time records for trace and debugging output.
 
+#include <bsutils/export.h>
 #include <bsutils/pwfdata.h>
 
 #include <cstdint>
 #include <string>
 
-class CPUtils {
+class BSUTILS_EXPORT CPUtils {
  public:
   // "0x" and every byte as two lower-case hexadecimal digits, no separators: 00 AB 7F ->
   // "0x00ab7f". A length of 0 or less, or null data, gives "0x".

@@ -21,6 +21,7 @@
 
 #include <bsutils/cpunicodeconverter.h>
 #include <bsutils/encoding.h>
+#include <bsutils/export.h>
 #include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>
 #include <unicode/utypes.h>
@@ -41,7 +42,7 @@ struct FieldReaderRules;
 struct ScannedNumber;
 }  // namespace bsutils::internal
 
-class DataCnv : public ZanOwnedLogSource {
+class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
  public:
   // How a text field shows the sign of its value. The numbers are part of the interface.
   enum ESign : std::int32_t {

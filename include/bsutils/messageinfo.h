@@ -10,12 +10,13 @@
 // (CP_CONV_INPUT_DATA_INVALID) for a text that is not an integer, 0xC0001582
 // (CP_CONV_INPUT_DATA_OUT_OF_BOUNDS) for one beyond the 64-bit range.
 
+#include <bsutils/export.h>
 #include <zan/zanstringbase.h>
 
 #include <cstdint>
 #include <map>
 
-class MessageInfo {
+class BSUTILS_EXPORT MessageInfo {
  public:
   // The well-known property names.
   static constexpr char16_t MESSAGE_SET[] = u"messageset";

@@ -15,6 +15,7 @@
 //   - a value given with no logical type: ZanParserException 0xC000157E (CP_INTERNAL_ERROR), trace
 //     text "Invlaid logical type when passing in a value".
 
+#include <bsutils/export.h>
 #include <zan/zanstringbase.h>
 
 #include <cstddef>
@@ -72,7 +73,7 @@ struct PWFInterval {
 static_assert(sizeof(PWFDateTime) == 44, "PWFDateTime is eleven 32-bit fields");
 static_assert(sizeof(PWFInterval) == 24, "PWFInterval is 24 bytes with its padding");
 
-class PWFData {
+class BSUTILS_EXPORT PWFData {
  public:
   // eNothing: nothing, not null. A type of 1 or more: a null of that type (an integer null has data
   // length 8). A negative type: not null and no content.

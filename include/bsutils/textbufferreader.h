@@ -28,13 +28,14 @@
 #include <bsutils/bitstreambuffer.h>
 #include <bsutils/cpunicodeconverter.h>
 #include <bsutils/encoding.h>
+#include <bsutils/export.h>
 #include <bsutils/pwfdata.h>
 
 #include <array>
 #include <cstdint>
 #include <memory>
 
-class TextBufferReader {
+class BSUTILS_EXPORT TextBufferReader {
  public:
   // Passed as an offset: read at the cursor.
   static constexpr std::int32_t kAtCursor = -1;

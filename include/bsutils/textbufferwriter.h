@@ -21,6 +21,7 @@
 #include <bsutils/bitstreambuffer.h>
 #include <bsutils/cpunicodeconverter.h>
 #include <bsutils/encoding.h>
+#include <bsutils/export.h>
 
 #include <array>
 #include <cstdint>
@@ -28,7 +29,7 @@
 
 class TextBufferReader;
 
-class TextBufferWriter {
+class BSUTILS_EXPORT TextBufferWriter {
  public:
   // Most UTF-16 units the cache holds.
   static constexpr std::int32_t kCacheLimit = 1024;

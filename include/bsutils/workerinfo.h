@@ -8,6 +8,7 @@
 // Nothing here raises a failure of its own; MapWorkerInfo::getInt32Property passes on the overflow
 // failure of PWFData::getInt32Value.
 
+#include <bsutils/export.h>
 #include <bsutils/pwfdata.h>
 
 #include <cstdint>
@@ -15,11 +16,11 @@
 
 // The answer of the value queries for a property that is not set: a nothing value (eNothing, not
 // null). It lives as long as the library is loaded.
-extern const PWFData WorkerInfoNullData;
+BSUTILS_EXPORT extern const PWFData WorkerInfoNullData;
 
 // A base for objects that delete themselves when the last reference goes. The count starts at 0;
 // whoever hands the object out takes the first reference.
-class CPRCObject {
+class BSUTILS_EXPORT CPRCObject {
  public:
   CPRCObject() = default;
   // A copy is a new object: it starts with no references, whatever the original had.
@@ -38,7 +39,7 @@ class CPRCObject {
 };
 
 // The empty record: holds nothing, stores nothing, and answers every query with "not set".
-class WorkerInfo : public CPRCObject {
+class BSUTILS_EXPORT WorkerInfo : public CPRCObject {
  public:
   // The value answer for "not set".
   static constexpr std::int32_t kNotSet = INT32_MIN;
@@ -54,7 +55,7 @@ class WorkerInfo : public CPRCObject {
 };
 
 // A record that keeps its properties in a map from id to value. Copies copy the map.
-class MapWorkerInfo : public WorkerInfo {
+class BSUTILS_EXPORT MapWorkerInfo : public WorkerInfo {
  public:
   // The stored value for `id`, or WorkerInfoNullData. The reference is valid until the property is
   // next set or removed.
@@ -75,7 +76,7 @@ class MapWorkerInfo : public WorkerInfo {
 
 // A handle that holds one reference to a record, or nothing. Copies share the record; the last
 // handle to let go deletes it.
-class WorkerInfoPtr {
+class BSUTILS_EXPORT WorkerInfoPtr {
  public:
   WorkerInfoPtr() = default;
   // Holds `record` (which must have been created with new) and takes a reference to it; a null

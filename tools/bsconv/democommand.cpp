@@ -382,6 +382,18 @@ void runDemo(const fs::path& dir, bool asJson) {
   }
 }
 
+// The samples installed beside the tool (found from the program's own path, so that an install
+// can be moved), or those of the source tree when the tool runs from its build tree.
+fs::path shippedSamples() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  if (!error) {
+    const fs::path installed = program.parent_path() / BSCONV_BIN_TO_DATA_DIR;
+    if (fs::is_directory(installed, error)) return installed;
+  }
+  return BSCONV_SOURCE_DATA_DIR;
+}
+
 }  // namespace
 
 void addDemoCommand(CLI::App& app) {
@@ -403,10 +415,6 @@ void addDemoCommand(CLI::App& app) {
       "  bsconv demo --json\n"
       "  bsconv demo --data ./my-copy   (customers.bin and customers.json edited to taste)");
   demo->callback([dataDir, asJson] {
-    // Run from the build tree, the samples in the source tree; installed, the installed ones.
-    const fs::path dir = !dataDir->empty()                          ? fs::path(*dataDir)
-                         : fs::is_directory(BSCONV_SOURCE_DATA_DIR) ? BSCONV_SOURCE_DATA_DIR
-                                                                    : BSCONV_DATA_DIR;
-    runDemo(dir, *asJson);
+    runDemo(dataDir->empty() ? shippedSamples() : fs::path(*dataDir), *asJson);
   });
 }

@@ -2,12 +2,15 @@
 // conversion fails (one line on standard error: message number, trace text, inserts), 2 on a
 // usage error.
 
+#include <bsutils/version.h>
+
 #include <iostream>
 
 #include "common.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"bsconv: decode and encode mainframe-era fields, convert text between code pages"};
+  app.set_version_flag("--version", "bsconv " BSUTILS_VERSION_STRING);
   app.require_subcommand(1);
   addFieldCommands(app);
   addConvertCommands(app);
