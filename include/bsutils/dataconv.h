@@ -7,6 +7,21 @@
 // The object creates its code-page converters and its decimal formatter on first use, takes no
 // locks, and is used by one thread at a time.
 //
+// Contents. The members are grouped by family; each block names the sources that define it, and
+// the private members follow in the same order. The reference pages are in docs/reference/.
+//   1. The object: settings, encodings, the code page   bsutils/         core.md
+//   2. Text fields: trimming, padding and signs         bsutils/text/    text.md
+//   3. Integer text fields                              bsutils/text/    text.md
+//   4. Float and decimal text fields                    bsutils/text/    text.md
+//   5. Numbers as plain text                            bsutils/text/    text.md
+//   6. Binary as hexadecimal text                       bsutils/text/    text.md
+//   7. The standard text form of values                 bsutils/text/    text.md
+//   8. Intervals as text                                bsutils/text/    text.md
+//   9. Binary integers                                  bsutils/binary/  binary.md
+//  10. Packed decimal                                  bsutils/binary/  binary.md
+//  11. Zoned (external) decimal                        bsutils/binary/  binary.md
+//  12. Floating point                                  bsutils/binary/  binary.md
+//
 // Failures are raised with source module "datacnv" under the object's own log source:
 //   - argument faults (null pointers, bad lengths, sign styles out of range):
 //     ZanConversionException 0xC000157E (CP_INTERNAL_ERROR), trace text "CPI Internal Error",
@@ -90,7 +105,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   DataCnv& operator=(const DataCnv&) = delete;
   virtual ~DataCnv();
 
-  // --- the object and its settings ---
+  // ==== 1. The object and its settings ===========================================================
+  // datacnv.cpp; reference: docs/reference/core.md
 
   // The converter for the object's CCSID and byte order, opened on first call and kept. Raises the
   // open failures of CPUnicodeConverter; after one, the next call tries again.
@@ -102,8 +118,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                              char16_t* formatterArg4, std::int32_t formatterArg5,
                              bool formatterArg1);
 
-  // --- encoding numbers: integer order in 0x00F, packed-decimal order in 0x0F0, floats in 0xF00
-  // ---
+  // ---- encoding numbers: integer order in 0x00F, packed-decimal order in 0x0F0, floats in
+  // 0xF00 (datacnv.cpp) ----
 
   // BigEndian when the integer digit is 1 (273 -> BigEndian), else LittleEndian (546, 0).
   static EEndian getEndianFromEncoding(std::int32_t encoding);
@@ -122,7 +138,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // ("Invalid input length: ", length).
   static void SwapEnds(unsigned char* output, const unsigned char* input, std::int32_t length);
 
-  // --- the code page ---
+  // ---- the code page (datacnv.cpp) ----
 
   // True when the code page writes the digit "0" as 0xF0, the EBCDIC zero (37, 500, 1047, 273);
   // false for ASCII-based and Unicode code pages. Opens the converter.
@@ -141,7 +157,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   UErrorCode fromUnicodeString(const ZanStringBase& input, unsigned char* output,
                                std::int32_t& size);
 
-  // --- text fields: trimming and padding ---
+  // ==== 2. Text fields: trimming, padding and signs ==============================================
+  // text/datacnv_field.cpp, text/datacnv_signedfield.cpp; reference: docs/reference/text.md
 
   // Trims `length` UTF-16 units of `buffer` in place as the trim type says (see ETrimType), clears
   // all `length` units to zero, puts the trimmed text at the start and returns its length. A pad
@@ -179,7 +196,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   void PadData(unsigned char* buffer, std::int32_t padBytes, std::int32_t dataBytes,
                EJustification justification, char16_t padChar, bool padIsUnicode);
 
-  // --- integer text fields ---
+  // ==== 3. Integer text fields ===================================================================
+  // text/datacnv_inttext.cpp; reference: docs/reference/text.md
 
   // Reads a 32-bit integer from `length` UTF-16 units: the pad character (one code-page byte when
   // `padIsUnicode` is false) and trim type are applied, an empty result gives 0, the sign is read
@@ -234,7 +252,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // The shortest decimal text of `value`, "-" before a negative one, as an eString value.
   PWFData StrFromInt64(std::int64_t value);
 
-  // --- float and decimal text fields ---
+  // ==== 4. Float and decimal text fields =========================================================
+  // text/datacnv_numfield.cpp; reference: docs/reference/text.md
 
   // Read and write numbers in text fields with the conventions of the integer fields (trim type,
   // justification, pad character, sign style 0, 3 or 4 with custom minus and plus strings, a digit
@@ -296,7 +315,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                   EJustification justification, char16_t padChar, bool padIsUnicode,
                   const NumericTextFormat& format = NumericTextFormat());
 
-  // --- numbers as plain text ---
+  // ==== 5. Numbers as plain text =================================================================
+  // text/datacnv_numtext.cpp, text/datacnv_dectext.cpp; reference: docs/reference/text.md
 
   // The shortest decimal digits that read back to `value`, into `out`. Not exponential: positional
   // text that validateDecimal accepts ("0.1", "-2.5", "100", "0.0000001", 1e21 ->
@@ -320,7 +340,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // "12"). The text is not checked: other characters pass through as they are.
   void StrFromDec(const ZanStringBase& decimal, ZanStringBase& out);
 
-  // --- binary as hexadecimal text ---
+  // ==== 6. Binary as hexadecimal text ============================================================
+  // text/datacnv_bintext.cpp; reference: docs/reference/text.md
 
   // Two upper-case hexadecimal digits a byte (0A FF -> "0AFF"), as an eString value; null `bytes`
   // or a length of 0 give the empty string. A negative length, or one whose text would pass the
@@ -333,7 +354,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // length), a null text of positive length CP_INTERNAL_ERROR ("Null input pointer").
   PWFData StrToBin(const char16_t* text, std::int32_t length);
 
-  // --- the standard text form of values ---
+  // ==== 7. The standard text form of values ======================================================
+  // text/datacnv_standard.cpp; reference: docs/reference/text.md
 
   // One text per logical type, as an eString value: a string as it is; an integer in decimal; a
   // float in the canonical form of XML Schema ("1.5E2", "1.0E-1", "0.0E0", "INF", "-INF", "NaN");
@@ -349,7 +371,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // inserts are the inner failure's trace text and inserts.
   PWFData StandardStrToData(const char16_t* text, std::int32_t length, ELogicalType type);
 
-  // --- intervals as text: "P1Y2M", "-P3DT4H5M6.5S", "PT0S" ---
+  // ==== 8. Intervals as text: "P1Y2M", "-P3DT4H5M6.5S", "PT0S" ===================================
+  // text/datacnv_interval.cpp; reference: docs/reference/text.md
 
   // Parses interval text: an optional "-", "P", then fields of digits each closed by its
   // designator, "Y", "M", "D", "T", "H", "M", "S" with "." before a fraction of a second, in that
@@ -382,7 +405,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // "interval" and the value).
   void AppendIntervalField(std::int32_t value, ZanStringBase& out, bool isFraction);
 
-  // --- binary integers ---
+  // ==== 9. Binary integers =======================================================================
+  // binary/datacnv_binint.cpp; reference: docs/reference/binary.md
   // Two's-complement integers of 1, 2, 4 and 8 bytes in the object's byte order (LittleEndian is
   // taken as it stands, any other order is reversed). The readers treat exactly
   // eLeadingEmbeddedSign (1) as signed and every other style as unsigned; IntFromDbl treats every
@@ -429,7 +453,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   void IntFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& length,
                   std::int32_t scale);
 
-  // --- packed decimal ---
+  // ==== 10. Packed decimal =======================================================================
+  // binary/datacnv_packed.cpp; reference: docs/reference/binary.md
   // Two digits a byte, the last nibble the sign; n bytes hold 2n - 1 digits. `endian` is the
   // field's own byte order (LittleEndian: the same bytes reversed, the sign byte first), not the
   // object's. `scale` is the number of implied decimal places (negative: trailing zeros implied).
@@ -519,7 +544,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   unsigned char* TLOGPWFDataToPckdStr(const PWFData& inputData, unsigned char* target,
                                       std::int32_t size, EEndian endian);
 
-  // --- zoned (external) decimal ---
+  // ==== 11. Zoned (external) decimal =============================================================
+  // binary/datacnv_zoned.cpp; reference: docs/reference/binary.md
   // One digit a character in the object's code page, EBCDIC when IsCcsidEBCDIC() and ASCII-based
   // otherwise, the sign in one of five styles:
   //   eNoSign                 digits only; a negative value cannot be written;
@@ -641,7 +667,8 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // CP_INTERNAL_ERROR ("Error converting from unicode", under "DataCnv::PadData").
   std::int32_t GetPadCharLen(char16_t padCharacter);
 
-  // --- floating point ---
+  // ==== 12. Floating point =======================================================================
+  // binary/datacnv_float.cpp; reference: docs/reference/binary.md
   // 4- and 8-byte floats in the object's byte order (LittleEndian as it stands, any other order
   // reversed) and float format (HFPFloat, or IEEE for any other value). HFP: the sign, an
   // exponent of 16 biased by 64 in bits 30 to 24, then a 24-bit (4 bytes) or 56-bit (8 bytes)
@@ -702,6 +729,9 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
  private:
   friend class DataCnvTestAccess;
 
+  // The private members, by family in the order of the blocks above.
+
+  // ---- 1. the object (datacnv.cpp) ----
   CPUnicodeConverter* getLocalConverter();
   icu::DecimalFormat* getDecimalFormatter();
 
@@ -710,6 +740,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   std::int32_t ChToHex(char c);
   std::int32_t PWFChToHex(char16_t c);
 
+  // ---- 2. text fields (text/datacnv_field.cpp, text/datacnv_signedfield.cpp) ----
   // A pad character given in the code page, as UTF-16: its low byte when `width` is 1 (it must be
   // below 256), its two bytes in memory order when 2; any other width, or bytes that do not
   // convert, raise CP_CONV_INVALID_PADDING under `function`.
@@ -738,8 +769,6 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   void SubstituteMinusSign(ZanStringBase& text, ESign sign, const char16_t* minus,
                            bool noStandardMinus);
 
-  // --- what the text field readers and writers share ---
-
   // Checks a reader's arguments (`rules` has its texts), trims the field and takes its sign off
   // into `number`; returns whether the sign was a minus. `number` is empty when the field held
   // nothing else.
@@ -759,6 +788,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                             char16_t padChar, bool padIsUnicode);
   static void storeField(const ZanStringBase& text, char16_t* out, std::int32_t& outLength);
 
+  // ---- 3. integer text (text/datacnv_inttext.cpp) ----
   void Int64ToUString(std::int64_t value, ZanStringBase& out);
   std::int64_t UStringToInt64(const ZanStringBase& text);
   // The text of an integer field and the checks of the writers; `function` and `integerKind`
@@ -777,26 +807,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                            const char16_t* minus, const char16_t* plus, ETrimType trimType,
                            EJustification justification, char16_t padChar, bool padIsUnicode);
 
-  // Decimal text: UTF-16 digits with at most one "." (and, for isDecimalValid, an exponent).
-  // True for unsigned plain or exponential text ("1e-5"); with `requirePoint`, only if it has ".".
-  bool isDecimalValid(const ZanStringBase& text, bool requirePoint);
-  // Accepts a sign first, one ".", digits and grouping commas; raises CP_CONV_INPUT_DATA_INVALID
-  // (insert "decimal") for anything else.
-  void validateDecimal(const ZanStringBase& text);
-  // ".5" -> "0.5", "7." -> "7".
-  void removeTrailingDecimal(ZanStringBase& text);
-  // Divides unsigned digit text by ten to the power `scale` by moving the point: "12345", 2 ->
-  // "123.45"; "5", 3 -> "0.005"; "1.5", -3 -> "1500". A sign would count as a digit.
-  void adjustDecimalForString(ZanStringBase& text, std::int32_t scale);
-  // adjustDecimalForString for text that may have a leading "-" or "+": the point moves over the
-  // digits and a minus goes back in front ("-5", 2 -> "-0.05"; a plus is dropped). A zero stays
-  // "0" whatever zeros a negative scale would append.
-  void shiftSignedDecimal(ZanStringBase& text, std::int32_t scale);
-  // Truncates at the point: "12.99" -> "12".
-  void TrimFromDecimal(ZanStringBase& text);
-  // Drops leading zeros, and trailing ones after a point: "0012.3400" -> "12.34", "0.50" -> ".5".
-  void TrimNonSignificantZeros(ZanStringBase& text);
-
+  // ---- 4. float and decimal text fields (text/datacnv_numfield.cpp) ----
   // Float and decimal fields: the number of a field under `format`, strict checks included, into
   // `number`; false for a field with nothing in it, which only a lenient reader accepts.
   bool numberFromField(const bsutils::internal::FieldReaderRules& rules, const char16_t* text,
@@ -819,12 +830,34 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   ZanStringBase roundHalfEven(const ZanStringBase& magnitude, std::int32_t digits,
                               bool significant);
 
+  // ---- 5. decimal text (text/datacnv_dectext.cpp) ----
+  // Decimal text: UTF-16 digits with at most one "." (and, for isDecimalValid, an exponent).
+  // True for unsigned plain or exponential text ("1e-5"); with `requirePoint`, only if it has ".".
+  bool isDecimalValid(const ZanStringBase& text, bool requirePoint);
+  // Accepts a sign first, one ".", digits and grouping commas; raises CP_CONV_INPUT_DATA_INVALID
+  // (insert "decimal") for anything else.
+  void validateDecimal(const ZanStringBase& text);
+  // ".5" -> "0.5", "7." -> "7".
+  void removeTrailingDecimal(ZanStringBase& text);
+  // Divides unsigned digit text by ten to the power `scale` by moving the point: "12345", 2 ->
+  // "123.45"; "5", 3 -> "0.005"; "1.5", -3 -> "1500". A sign would count as a digit.
+  void adjustDecimalForString(ZanStringBase& text, std::int32_t scale);
+  // adjustDecimalForString for text that may have a leading "-" or "+": the point moves over the
+  // digits and a minus goes back in front ("-5", 2 -> "-0.05"; a plus is dropped). A zero stays
+  // "0" whatever zeros a negative scale would append.
+  void shiftSignedDecimal(ZanStringBase& text, std::int32_t scale);
+  // Truncates at the point: "12.99" -> "12".
+  void TrimFromDecimal(ZanStringBase& text);
+  // Drops leading zeros, and trailing ones after a point: "0012.3400" -> "12.34", "0.50" -> ".5".
+  void TrimNonSignificantZeros(ZanStringBase& text);
+
+  // ---- 7. the standard text form (text/datacnv_standard.cpp) ----
   // The standard text form's readers for the types without a conversion of their own.
   double canonicalDoubleValue(const ZanStringBase& text);
   ZanStringBase standardDecimalText(const ZanStringBase& text);
   bool standardBooleanValue(const ZanStringBase& text);
 
-  // --- packed decimal (private) ---
+  // ---- 10. packed decimal (binary/datacnv_packed.cpp) ----
   // Checks `count` unpacked nibbles, the sign nibble last: CP_CONV_INPUT_DATA_INVALID with
   // "packed decimal, no sign found " for a last nibble 0 to 9, "packed decimal, negative sign
   // found on unsigned data " for B or D unless `sign` is 1, "packed decimal, non-numeric data
@@ -856,7 +889,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   ZanStringBase tlogFieldText(const char* function, const char* kind, const char* valueKind,
                               const PWFData& value, std::int32_t size);
 
-  // --- zoned decimal (private) ---
+  // ---- 11. zoned decimal (binary/datacnv_zoned.cpp) ----
   // The readers' common body: the field's value as integer text, "-" before a negative value and
   // no leading zeros ("-123", "0").
   ZanStringBase ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
@@ -892,12 +925,13 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   void checkSignTables(const char* function, const char16_t* positiveSigns,
                        const char16_t* negativeSigns);
 
-  // --- floating point (private) ---
+  // ---- 12. floating point (binary/datacnv_float.cpp) ----
   // `value` times or divided by ten to `power`; unchanged when `power` is 0 or ten to it is too
   // small for a double (so DivideDouble never divides by zero).
   double MultiplyDouble(double value, std::int32_t power);
   double DivideDouble(double value, std::int32_t power);
 
+  // ---- the object's state ----
   std::int32_t ccsid_;
   std::int32_t formatterArg3_;
   EEndian endian_;
