@@ -2,6 +2,7 @@
 // reversal, hexadecimal digits and the bridges to its code page.
 
 #include <bsutils/dataconv.h>
+#include <bsutils/pwfdatetimeformatter.h>
 #include <unicode/decimfmt.h>
 #include <unicode/numfmt.h>
 

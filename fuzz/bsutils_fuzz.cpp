@@ -18,12 +18,14 @@ namespace {
 using bsfuzz::Args;
 using bsfuzz::Op;
 
-// Every family's operations, binary ones first.
+// Every family's operations: binary, text, then date-time.
 const std::vector<Op>& operations() {
   static const std::vector<Op> ops = [] {
     std::vector<Op> all = bsfuzz::binaryOperations();
     const auto& text = bsfuzz::textOperations();
     all.insert(all.end(), text.begin(), text.end());
+    const auto& datetime = bsfuzz::datetimeOperations();
+    all.insert(all.end(), datetime.begin(), datetime.end());
     return all;
   }();
   return ops;

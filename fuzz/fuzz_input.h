@@ -145,6 +145,7 @@ using Op = std::function<void(DataCnv&, const Args&)>;
 // input that reaches it.
 const std::vector<Op>& binaryOperations();
 const std::vector<Op>& textOperations();
+const std::vector<Op>& datetimeOperations();
 
 }  // namespace bsfuzz
 

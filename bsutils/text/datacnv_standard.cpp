@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "core/cpdebugtrace.h"
@@ -101,8 +102,14 @@ PWFData DataCnv::StandardStrFromData(const PWFData& value) {
       return PWFData(ascii(value.getBoolValue() ? "true" : "false"));
     case eInterval:
       return StrFromInterval(value.getIntervalValue());
-    case eDateTime:
-      return PWFData(isoDateTimeText(value.getDateTimeValue(), this));
+    case eDateTime: {
+      const std::optional<ZanStringBase> text = isoDateTimeText(value.getDateTimeValue());
+      if (!text) {
+        CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kFromFunction, this, nullptr,
+                 "date-time");
+      }
+      return PWFData(*text);
+    }
     default:
       CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFromFunction, this, nullptr,
                "Should not call this method without a valid type");
@@ -136,8 +143,14 @@ PWFData DataCnv::StandardStrToData(const char16_t* text, std::int32_t length, EL
         return PWFData(standardBooleanValue(value));
       case eInterval:
         return PWFData(StrToInterval(value.data(), value.length()));
-      case eDateTime:
-        return PWFData(isoDateTimeValue(value, this));
+      case eDateTime: {
+        const std::optional<PWFDateTime> dateTime = isoDateTimeValue(value);
+        if (!dateTime) {
+          CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kToFunction, this, nullptr,
+                   "date-time", value);
+        }
+        return PWFData(*dateTime);
+      }
       default:
         CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kToFunction, this, nullptr,
                  "Should not call this method without a valid type");

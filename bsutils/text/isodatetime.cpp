@@ -5,15 +5,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/cpraise.h"
-#include "datacnvprivate.h"
-
 namespace bsutils::internal {
 
 namespace {
 
-constexpr const char* kWriter = "DataCnv::StandardStrFromData";
-constexpr const char* kReader = "DataCnv::StandardStrToData";
 constexpr std::int32_t kNotSet = PWFDateTime::kNotSet;
 constexpr std::int32_t kMillisecondsPerMinute = 60000;
 
@@ -24,11 +19,10 @@ std::string twoDigits(std::int32_t value) {
 }
 
 // A cursor over the text that takes fixed-width numbers and expected characters; any mismatch
-// makes the whole text invalid.
+// makes the whole text invalid, which the cursor remembers.
 class IsoCursor {
  public:
-  IsoCursor(const ZanStringBase& text, const ZanLogSource* logSource)
-      : text_(text), logSource_(logSource) {}
+  explicit IsoCursor(const ZanStringBase& text) : text_(text) {}
 
   bool atEnd() const { return position_ == text_.length(); }
   bool peek(char16_t unit, std::int32_t ahead = 0) const {
@@ -40,7 +34,7 @@ class IsoCursor {
     return true;
   }
   void expect(char16_t unit) {
-    if (!take(unit)) fail();
+    if (!take(unit)) failed_ = true;
   }
   // `minDigits` to `maxDigits` decimal digits, checked against [low, high]; `count` gets how many.
   std::int32_t number(std::int32_t minDigits, std::int32_t maxDigits, std::int32_t low,
@@ -52,29 +46,24 @@ class IsoCursor {
       value = value * 10 + (text_[position_++] - u'0');
       ++digits;
     }
-    if (digits < minDigits || value < low || value > high) fail();
+    if (digits < minDigits || value < low || value > high) failed_ = true;
     if (count != nullptr) *count = digits;
     return static_cast<std::int32_t>(value);
   }
-  [[noreturn]] void fail() const {
-    CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kReader, logSource_, nullptr, "date-time",
-             text_);
-  }
+  bool failed() const { return failed_; }
 
  private:
   const ZanStringBase& text_;
-  const ZanLogSource* logSource_;
   std::int32_t position_ = 0;
+  bool failed_ = false;
 };
 
 }  // namespace
 
-ZanStringBase isoDateTimeText(const PWFDateTime& value, const ZanLogSource* logSource) {
+std::optional<ZanStringBase> isoDateTimeText(const PWFDateTime& value) {
   const bool hasDate = value.year != kNotSet;
   const bool hasTime = value.hour != kNotSet;
-  if (!hasDate && !hasTime) {
-    CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kWriter, logSource, nullptr, "date-time");
-  }
+  if (!hasDate && !hasTime) return std::nullopt;
   std::string text;
   if (hasDate) {
     const std::int64_t year = value.era == 0 ? 1 - std::int64_t{value.year} : value.year;
@@ -106,10 +95,10 @@ ZanStringBase isoDateTimeText(const PWFDateTime& value, const ZanLogSource* logS
   return ZanStringBase::fromUtf8(text);
 }
 
-PWFDateTime isoDateTimeValue(const ZanStringBase& text, const ZanLogSource* logSource) {
+std::optional<PWFDateTime> isoDateTimeValue(const ZanStringBase& text) {
   PWFDateTime value{kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet,
                     kNotSet, kNotSet, kNotSet, kNotSet, 0};
-  IsoCursor cursor(text, logSource);
+  IsoCursor cursor(text);
   // A time starts "hh:"; anything else starts with a date.
   const bool timeOnly = cursor.peek(u':', 2);
   if (!timeOnly) {
@@ -118,17 +107,14 @@ PWFDateTime isoDateTimeValue(const ZanStringBase& text, const ZanLogSource* logS
     const std::int64_t astronomical = beforeYearOne ? -std::int64_t{year} : year;
     value.era = astronomical > 0 ? 1 : 0;
     value.year = static_cast<std::int32_t>(astronomical > 0 ? astronomical : 1 - astronomical);
-    cursor.expect(u'-');
-    value.month = cursor.number(2, 2, 1, 12);
-    cursor.expect(u'-');
-    value.day = cursor.number(2, 2, 1, 31);
+    value.month = cursor.take(u'-') ? cursor.number(2, 2, 1, 12) : 1;
+    value.day = cursor.take(u'-') ? cursor.number(2, 2, 1, 31) : 1;
   }
   if (timeOnly || cursor.take(u'T')) {
     value.hour = cursor.number(2, 2, 0, 23);
     cursor.expect(u':');
     value.minute = cursor.number(2, 2, 0, 59);
-    cursor.expect(u':');
-    value.second = cursor.number(2, 2, 0, 60);
+    value.second = cursor.take(u':') ? cursor.number(2, 2, 0, 60) : 0;
     value.subsecond = 0;
     value.scale = 0;
     if (cursor.take(u'.')) value.subsecond = cursor.number(1, 9, 0, 999999999, &value.scale);
@@ -142,7 +128,7 @@ PWFDateTime isoDateTimeValue(const ZanStringBase& text, const ZanLogSource* logS
     const std::int32_t minutes = cursor.number(2, 2, 0, 59);
     value.timezone = sign * (hours * 60 + minutes) * kMillisecondsPerMinute;
   }
-  if (!cursor.atEnd()) cursor.fail();
+  if (cursor.failed() || !cursor.atEnd()) return std::nullopt;
   return value;
 }
 

@@ -16,6 +16,9 @@
 #include <bsutils/messageinfo.h>
 #include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>
+#include <bsutils/pwfdatetimeformatter.h>
+#include <bsutils/pwficucalendar.h>
+#include <bsutils/pwficudatetime.h>
 #include <bsutils/textbufferreader.h>
 #include <bsutils/textbufferwriter.h>
 #include <bsutils/version.h>

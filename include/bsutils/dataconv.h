@@ -9,18 +9,19 @@
 //
 // Contents. The members are grouped by family; each block names the sources that define it, and
 // the private members follow in the same order. The reference pages are in docs/reference/.
-//   1. The object: settings, encodings, the code page   bsutils/         core.md
-//   2. Text fields: trimming, padding and signs         bsutils/text/    text.md
-//   3. Integer text fields                              bsutils/text/    text.md
-//   4. Float and decimal text fields                    bsutils/text/    text.md
-//   5. Numbers as plain text                            bsutils/text/    text.md
-//   6. Binary as hexadecimal text                       bsutils/text/    text.md
-//   7. The standard text form of values                 bsutils/text/    text.md
-//   8. Intervals as text                                bsutils/text/    text.md
-//   9. Binary integers                                  bsutils/binary/  binary.md
-//  10. Packed decimal                                  bsutils/binary/  binary.md
-//  11. Zoned (external) decimal                        bsutils/binary/  binary.md
-//  12. Floating point                                  bsutils/binary/  binary.md
+//   1. The object: settings, encodings, the code page   bsutils/           core.md
+//   2. Text fields: trimming, padding and signs         bsutils/text/      text.md
+//   3. Integer text fields                              bsutils/text/      text.md
+//   4. Float and decimal text fields                    bsutils/text/      text.md
+//   5. Numbers as plain text                            bsutils/text/      text.md
+//   6. Binary as hexadecimal text                       bsutils/text/      text.md
+//   7. The standard text form of values                 bsutils/text/      text.md
+//   8. Intervals as text                                bsutils/text/      text.md
+//   9. Binary integers                                  bsutils/binary/    binary.md
+//  10. Packed decimal                                  bsutils/binary/    binary.md
+//  11. Zoned (external) decimal                        bsutils/binary/    binary.md
+//  12. Floating point                                  bsutils/binary/    binary.md
+//  13. Date and time                                   bsutils/datetime/  datetime.md
 //
 // Failures are raised with source module "datacnv" under the object's own log source:
 //   - argument faults (null pointers, bad lengths, sign styles out of range):
@@ -46,6 +47,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+
+class PWFDateTimeFormatter;
 
 U_NAMESPACE_BEGIN
 class DecimalFormat;
@@ -726,6 +729,35 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   static void ConvertDoubleHFPtoIEEE(double* input, double* output, EEndian endian);
   static void ConvertDoubleIEEEtoHFP(double* input, double* output, EEndian endian);
 
+  // ==== 13. Date and time
+  // ===========================================================================
+  // datetime/datacnv_datetime.cpp; reference: docs/reference/datetime.md
+
+  // Each of these is the operation of the same meaning of the object's date-time formatter (see
+  // PWFDateTimeFormatter for the patterns, the record and every failure), which the object creates
+  // from its five formatter settings on first use and keeps.
+  //   StrToDateTime(u"20230409", 8, u"yyyyMMdd") -> 2023-04-09, no time, no zone
+  PWFDateTime StrToDateTime(const char16_t* text, std::int32_t length, const char16_t* pattern);
+  ZanStringBase StrFromDateTime(const PWFDateTime& value, const char16_t* pattern);
+  PWFDateTime SecondsToDateTime(std::int32_t seconds, const char16_t* epoch);
+  PWFDateTime MilliSecondsToDateTime(std::int64_t milliseconds, const char16_t* epoch);
+  PWFDateTime BinaryToDateTime(const void* data, std::int32_t length, const char16_t* pattern);
+  std::int32_t SecondsFromDateTime(const PWFDateTime& value, const char16_t* epoch);
+  std::int64_t MilliSecondsFromDateTime(const PWFDateTime& value, const char16_t* epoch);
+  void BinaryFromDateTime(const PWFDateTime& value, void* data, std::int32_t length,
+                          const char16_t* pattern);
+
+  // A packed decimal whose digits are a date-time text of `pattern` (yyyyMMdd packed into 5 bytes:
+  // 02 02 30 40 9F). Reading unpacks the field with PckdDecToDec, puts "0" digits before it up to
+  // the pattern's length or drops leading "0" digits beyond it, and reads the digits with
+  // StrToDateTime; writing formats the value with StrFromDateTime and packs the text with
+  // PckdDecFromDec. The failures are those of the two steps.
+  PWFDateTime PckdDecToDateTime(const unsigned char* data, std::int32_t length, EEndian endian,
+                                std::int32_t precision, ESign sign, const char16_t* pattern);
+  void PckdDecFromDateTime(const PWFDateTime& value, unsigned char* target, std::int32_t& length,
+                           const char16_t* pattern, EEndian endian, std::int32_t precision,
+                           ESign sign);
+
  private:
   friend class DataCnvTestAccess;
 
@@ -931,6 +963,9 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   double MultiplyDouble(double value, std::int32_t power);
   double DivideDouble(double value, std::int32_t power);
 
+  // ---- 13. date and time (datetime/datacnv_datetime.cpp) ----
+  PWFDateTimeFormatter* getDateTimeFormatter();
+
   // ---- the object's state ----
   std::int32_t ccsid_;
   std::int32_t formatterArg3_;
@@ -944,6 +979,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   std::unique_ptr<CPUnicodeConverter> converter_;
   std::unique_ptr<CPUnicodeConverter> localConverter_;
   std::unique_ptr<icu::DecimalFormat> decimalFormatter_;
+  std::unique_ptr<PWFDateTimeFormatter> dateTimeFormatter_;
   std::optional<bool> ccsidIsEbcdic_;  // IsCcsidEBCDIC's answer, once asked
   // The rounding the decimal formatter is set to, so that a run of fields with the same places
   // sets it once: digits, or -1 before the first use.
