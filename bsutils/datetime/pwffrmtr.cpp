@@ -81,8 +81,8 @@ PatternFields patternFields(const ZanStringBase& pattern) {
   return fields;
 }
 
-// Whether ICU may be given a text to read a fraction from. Past nine digits a fraction is finer than
-// the record holds; and ICU scales the fraction it reads by a power of ten in 32 bits, which
+// Whether ICU may be given a text to read a fraction from. Past nine digits a fraction is finer
+// than the record holds; and ICU scales the fraction it reads by a power of ten in 32 bits, which
 // overflows to a division by zero once it reads 35 digits, so a text with a run of digits that
 // long never reaches it. No date-time text needs one: every numeric field together is under 30.
 bool fractionIsReadable(const PatternFields& fields, const ZanStringBase& text) {
