@@ -200,6 +200,7 @@ PWFDateTime PWFDateTimeFormatter::parseText(const ZanStringBase& text,
              nullptr, text, pattern, u_errorName(U_ILLEGAL_ARGUMENT_ERROR));
   }
   calendar_->clear();
+  restoreTimeZone();
   dateFormat_->applyPattern(pattern);
   // A zone in the text becomes the calendar's.
   if (fields.zone) calendarInOwnZone_ = false;
