@@ -96,15 +96,6 @@ bool fractionIsReadable(const PatternFields& fields, const ZanStringBase& text) 
   return true;
 }
 
-// The fraction `subsecond` x 10^-scale at `digits` digits, cut or filled with zeros.
-std::int64_t fractionAt(std::int32_t subsecond, std::int32_t scale, std::int32_t digits) {
-  if (subsecond == kNotSet || scale == kNotSet || scale < 0) return 0;
-  std::int64_t value = subsecond;
-  for (std::int32_t s = scale; s > digits; --s) value /= 10;
-  for (std::int32_t s = scale; s < digits; ++s) value *= 10;
-  return value;
-}
-
 // An ICU custom zone for an offset in milliseconds: "GMT+05:30", "GMT-03:00:15".
 ZanStringBase customZone(std::int32_t offset) {
   const std::int64_t magnitude = std::llabs(std::int64_t{offset}) / 1000;
@@ -187,6 +178,11 @@ PWFDateTime PWFDateTimeFormatter::parse(const char16_t* text, std::int32_t lengt
       CP_RAISE(CP_DATETIME_INVALID_FORMAT_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
                source);
     }
+    // The ISO reader knows each field's range alone; whether the day exists is the calendar's.
+    if (strictChecking_ && value->year != kNotSet) {
+      loadCalendar(*value, source.toUtf8());
+      restoreTimeZone();
+    }
     return *value;
   }
   return parseText(source, patternText);
@@ -247,8 +243,9 @@ PWFDateTime PWFDateTimeFormatter::parseText(const ZanStringBase& text,
 }
 
 void PWFDateTimeFormatter::requireMatchOutOfRange(const ZanStringBase& text) {
-  // A strict format refuses a field beyond its widest range (month 13, hour 25) as if the text did
-  // not match; read loosely, such a text is a date out of range, which is what the caller hears.
+  // A strict format refuses a field beyond its widest range (month 13, minute 61) as if the text
+  // did not match; read loosely, such a text is a date out of range, which is what the caller
+  // hears.
   dateFormat_->setLenient(true);
   calendar_->clear();
   UErrorCode status = U_ZERO_ERROR;
@@ -271,6 +268,10 @@ ZanStringBase PWFDateTimeFormatter::format(const PWFDateTime& value, const char1
     if (!text) {
       CP_RAISE(CP_DATETIME_FORMAT_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
                CPUtils::pwfDateTimeDump(value));
+    }
+    if (strictChecking_) {
+      loadCalendar(value);
+      restoreTimeZone();
     }
     return trace.result(*text);
   }
@@ -306,7 +307,7 @@ ZanStringBase PWFDateTimeFormatter::formatText(const PWFDateTime& value,
   return text;
 }
 
-void PWFDateTimeFormatter::loadCalendar(const PWFDateTime& value) {
+void PWFDateTimeFormatter::loadCalendar(const PWFDateTime& value, const std::string& source) {
   calendar_->clear();
   // A value with a zone is taken in that zone, so that its fields are the ones written.
   if (value.timezone != kNotSet) {
@@ -329,7 +330,9 @@ void PWFDateTimeFormatter::loadCalendar(const PWFDateTime& value) {
     calendar_->set(UCAL_MILLISECOND,
                    static_cast<std::int32_t>(fractionAt(value.subsecond, value.scale, 3)));
   }
-  if (strictChecking_) calendar_->requireFieldsInRange(CPUtils::pwfDateTimeDump(value));
+  if (strictChecking_) {
+    calendar_->requireFieldsInRange(source.empty() ? CPUtils::pwfDateTimeDump(value) : source);
+  }
 }
 
 PWFDateTime PWFDateTimeFormatter::calendarValue() {

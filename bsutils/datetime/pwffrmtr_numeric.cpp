@@ -7,6 +7,7 @@
 #include <bsutils/pwficudatetime.h>
 #include <unicode/ustring.h>
 
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -44,8 +45,14 @@ PWFDateTime PWFDateTimeFormatter::parseMilliSeconds(std::int64_t milliseconds,
 }
 
 std::int32_t PWFDateTimeFormatter::formatSeconds(const PWFDateTime& value, const char16_t* epoch) {
-  CpDebugTrace trace("PWFDateTimeFormatter::formatSeconds");
-  return trace.result(static_cast<std::int32_t>(formatMilliSeconds(value, epoch) / 1000));
+  constexpr const char* kFunction = "PWFDateTimeFormatter::formatSeconds";
+  CpDebugTrace trace(kFunction);
+  const std::int64_t seconds = formatMilliSeconds(value, epoch) / 1000;
+  if (seconds < INT32_MIN || seconds > INT32_MAX) {
+    CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kFormatterModule, kFunction, logSource_, nullptr,
+             "date-time", "4-byte seconds", seconds);
+  }
+  return trace.result(static_cast<std::int32_t>(seconds));
 }
 
 std::int64_t PWFDateTimeFormatter::formatMilliSeconds(const PWFDateTime& value,
@@ -53,7 +60,12 @@ std::int64_t PWFDateTimeFormatter::formatMilliSeconds(const PWFDateTime& value,
   CpDebugTrace trace("PWFDateTimeFormatter::formatMilliSeconds");
   const double start = UDateFromEpoch(epoch);
   loadCalendar(value);
-  const double milliseconds = calendar_->getMillis() - start;
+  // The calendar holds whole milliseconds; what the value has below them still counts toward
+  // zero, so 0.5 ms before the epoch is 0, not -1.
+  const std::int64_t nanoseconds = fractionAt(value.subsecond, value.scale, 9);
+  const double belowMilliseconds =
+      value.hour == PWFDateTime::kNotSet ? 0.0 : static_cast<double>(nanoseconds % 1000000) / 1e6;
+  const double milliseconds = calendar_->getMillis() - start + belowMilliseconds;
   restoreTimeZone();
   return trace.result(static_cast<std::int64_t>(milliseconds));
 }
@@ -65,8 +77,8 @@ double PWFDateTimeFormatter::UDateFromEpoch(const char16_t* epoch) {
   if (text.length() < kMinimumEpochLength) {
     CP_RAISE(CP_DATETIME_INVALID_EPOCH, kFormatterModule, kFunction, logSource_, nullptr, text);
   }
-  // The epoch is a setting, not data: its zone may be written either way ("+0000", "+00:00"),
-  // however strict the formatter is with data.
+  // The epoch is a setting, not data: its zone is read as leniently as ICU reads zones ("+00:00",
+  // "GMT+01:00"), however strict the formatter is with data.
   const bool lenient = dateFormat_->isLenient();
   dateFormat_->setLenient(true);
   dateFormat_->applyPattern(kEpochPattern);

@@ -26,6 +26,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 class PWFICUCalendar;
 class PWFICUDateTime;
@@ -79,7 +80,8 @@ class BSUTILS_EXPORT PWFDateTimeFormatter {
   // for text that does not match, or, when strict, has more after it; when strict,
   // CP_CALENDAR_LENIENCY_ERROR ("CPI Invalid Date entered", the text) for fields out of range.
   // Pattern "I": CP_DATETIME_INVALID_FORMAT_ERROR ("CPI String invalid format for pattern
-  // 'I'.", the text) for anything but the ISO forms above.
+  // 'I'.", the text) for anything but the ISO forms above, and, when strict, the same
+  // CP_CALENDAR_LENIENCY_ERROR as other patterns for a date that does not exist ("2023-02-30").
   PWFDateTime parse(const char16_t* text, std::int32_t length, const char16_t* pattern);
   // Writes `value` by `pattern`, in the value's zone when it has one. Raises CP_INTERNAL_ERROR for
   // a null pattern; CP_DATETIME_FORMAT_ERROR (ZanParserException) when the pattern needs a half of
@@ -96,7 +98,9 @@ class BSUTILS_EXPORT PWFDateTimeFormatter {
   // parseMilliSeconds(seconds x 1000).
   PWFDateTime parseSeconds(std::int32_t seconds, const char16_t* epoch);
   PWFDateTime parseMilliSeconds(std::int64_t milliseconds, const char16_t* epoch);
-  // formatMilliSeconds / 1000, truncated toward zero, as 32 bits.
+  // formatMilliSeconds / 1000, truncated toward zero; a count beyond 32 bits raises
+  // CP_CONV_INPUT_DATA_OUT_OF_BOUNDS (inserts "date-time", "4-byte seconds", the count) rather
+  // than being cut.
   std::int32_t formatSeconds(const PWFDateTime& value, const char16_t* epoch);
   // The value's instant minus the epoch, in whole milliseconds, truncated toward zero.
   std::int64_t formatMilliSeconds(const PWFDateTime& value, const char16_t* epoch);
@@ -106,9 +110,11 @@ class BSUTILS_EXPORT PWFDateTimeFormatter {
   // bytes (1, 2 or 4; signed, little-endian whatever the converter's byte order); "+n" or "-n"
   // after a run is added to the field when read and subtracted when written ("y+1900" holds years
   // since 1900); "X" is filler. Fields lie back to back from offset 0.
-  //   bytes 7B 04 09, "y+1900Md" -> 2023-04-09
-  // Reading stops setting fields at the end of the data (a field that starts inside it is read,
-  // its bytes past the end as zeros); the rest keep the calendar's defaults. Raises
+  //   bytes 7B 04 09, "y+1900Md" -> 2023-04-09T00:00:00, in the formatter's zone
+  // A value read has both halves, scale 6 and the formatter's zone, like one read from a number.
+  // Only a field's start is held against the data: a field that starts at or before its end is
+  // read, its bytes past the end as zeros (so one that starts right at the end reads 0); a field
+  // that starts beyond it keeps the calendar's default. Raises
   // CP_DATETIME_FROM_BINARY_ERROR (0xC0001597) for a width other than 1, 2 or 4 and for an unknown
   // letter, and, writing, CP_DATETIME_TO_BINARY_ERROR (0xC0001598) for a width other than 1, 2 or
   // 4 (not "X") and for a record longer than `length`.
@@ -126,8 +132,8 @@ class BSUTILS_EXPORT PWFDateTimeFormatter {
 
   // The calendar, cleared and loaded from `value`: what is not set takes 1970-01-01 00:00; a value
   // with a zone is taken in that zone, one without in the formatter's. When strict, fields out of
-  // range raise CP_CALENDAR_LENIENCY_ERROR with the value's fields as insert.
-  void loadCalendar(const PWFDateTime& value);
+  // range raise CP_CALENDAR_LENIENCY_ERROR with `source` as insert (by default the value's fields).
+  void loadCalendar(const PWFDateTime& value, const std::string& source = {});
   // The value of the calendar's instant: both halves, scale 6, the zone at that instant.
   PWFDateTime calendarValue();
   // The calendar's zone back to the formatter's, after a parse adopted the text's zone.

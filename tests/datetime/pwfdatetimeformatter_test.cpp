@@ -186,6 +186,12 @@ TEST(DateTimeFormatterFailures, EachWithItsCodeAndInserts) {
       {"I, unpadded", kIso, {"2023-4-9"}, parse(u"2023-4-9", u"I")},
       {"I, no time", kIso, {"2023-04-09T"}, parse(u"2023-04-09T", u"I")},
       {"I, trailing", kIso, {"24:00:00x"}, parse(u"24:00:00x", u"I")},
+      {"I, no such day", kLeniency, {"2023-02-30"}, parse(u"2023-02-30", u"I")},
+      // 2^31 s after 1970 is 2038-01-19T03:14:08Z, one second past the last 32-bit count.
+      {"seconds past 32 bits",
+       {false, kBounds},
+       {"date-time", "4-byte seconds", "2147483648"},
+       [&] { utc.formatSeconds(at(date(2038, 1, 19), timeOfDay(3, 14, 8, 0, 0)), nullptr); }},
       {"time of a date", kFormat, {}, [&] { utc.format(apr9, u"HH:mm"); }},
       {"month 13", kLeniency, {}, [&] { utc.format(date(2023, 13, 1), u"yyyyMMdd"); }},
       {"null, format", kArgument, {"Null pattern pointer."}, [&] { utc.format(apr9, nullptr); }},
@@ -203,3 +209,12 @@ TEST(DateTimeFormatterFailures, EachWithItsCodeAndInserts) {
 }
 
 }  // namespace
+
+TEST(DateTimeFormatterNumbers, FractionsBelowAMillisecondCountTowardZero) {
+  // 0.5 ms before the epoch is -0.5 ms, which cuts to 0; 1.5 ms after it to 1.
+  PWFDateTimeFormatter utc;
+  EXPECT_EQ(
+      utc.formatMilliSeconds(at(date(1969, 12, 31), timeOfDay(23, 59, 59, 9995, 4), 0), nullptr),
+      0);
+  EXPECT_EQ(utc.formatMilliSeconds(at(date(1970, 1, 1), timeOfDay(0, 0, 0, 15, 4), 0), nullptr), 1);
+}

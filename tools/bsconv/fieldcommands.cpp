@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,8 +42,8 @@ void addSizeOption(CLI::App& command, const FieldForm& form, FieldSettings& sett
   std::string help = "The field size in bytes";
   if (!encoding) {
     help += "; every field must have it";
-  } else if (!form.fixedSize) {
-    help += "; the text is padded with blanks of the CCSID to it, and a longer text fails";
+  } else if (form.encodeSizeNote != nullptr) {
+    help += std::string("; ") + form.encodeSizeNote;
   }
   CLI::Option* size = command.add_option("--size", settings.size, help)->type_name("N");
   if (form.sizes.empty()) {
@@ -77,9 +78,81 @@ void addChoice(CLI::App& command, const std::string& name, Value& target,
       ->default_str(defaultWord);
 }
 
+// The library takes the date-time form's texts in UTF-16.
+std::u16string utf16Text(const std::string& text) {
+  const ZanStringBase units = ZanStringBase::fromUtf8(text);
+  return {units.data(), static_cast<std::size_t>(units.length())};
+}
+
+// The date-time form's options that say how its field holds the value (one of them is required,
+// which the form's check sees to), and the epoch of the two that count.
+void addDateTimeLayoutOptions(CLI::App& command, FieldSettings& settings) {
+  auto pattern = [&command, &settings](const std::string& name, DateTimeLayout layout,
+                                       const std::string& help) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [&settings, layout](const std::string& text) {
+              settings.dateTimeLayout = layout;
+              settings.dateTimePattern = utf16Text(text);
+            },
+            help)
+        ->type_name("P");
+  };
+  auto count = [&command, &settings](const std::string& name, DateTimeLayout layout,
+                                     const std::string& help) {
+    command.add_flag_callback(
+        name, [&settings, layout] { settings.dateTimeLayout = layout; }, help);
+  };
+  pattern("--pattern", DateTimeLayout::text,
+          "Text of the CCSID by the ICU pattern P (yyyyMMdd, 'dd.MM.yy HH:mm'; I: ISO 8601)");
+  count("--seconds", DateTimeLayout::seconds, "A binary integer: seconds since --epoch");
+  count("--milliseconds", DateTimeLayout::milliseconds,
+        "A binary integer: milliseconds since --epoch");
+  pattern("--binary-pattern", DateTimeLayout::binary,
+          "A record of little-endian binary fields by P, of the letters yMdHmsSX (y+1900Md)");
+  pattern("--packed-pattern", DateTimeLayout::packed,
+          "A packed decimal, sign F, whose digits are text of the ICU pattern P (yyyyMMdd)");
+  command
+      .add_option_function<std::string>(
+          "--epoch", [&settings](const std::string& text) { settings.epoch = utf16Text(text); },
+          "What --seconds and --milliseconds count from: yyyy-MM-ddTHH:mm and a UTC offset")
+      ->type_name("TEXT")
+      ->default_str("1970-01-01T00:00+00:00");
+}
+
+// The converter's date-time formatter settings. Two-digit years are only read.
+void addDateTimeFormatterOptions(CLI::App& command, FieldSettings& settings, bool encoding) {
+  command
+      .add_option_function<std::string>(
+          "--timezone",
+          [&settings](const std::string& text) { settings.timeZone = utf16Text(text); },
+          "Zone of the values that have none: an ICU zone id (Europe/Paris, GMT+05:30)")
+      ->type_name("ID")
+      ->default_str("UTC");
+  if (!encoding) {
+    command
+        .add_option("--century-window", settings.centuryWindowStart,
+                    "Two-digit years at or above N are 19yy, below it 20yy")
+        ->type_name("N")
+        ->default_str("53");
+  }
+  command.add_flag("--lenient", settings.lenient,
+                   encoding ? "Roll fields out of range over (Feb 30 is Mar 2) (default: strict)"
+                            : "Roll fields out of range over (Feb 30 is Mar 2) and ignore text "
+                              "after the pattern (default: strict)");
+  command
+      .add_option_function<std::string>(
+          "--locale", [&settings](const std::string& text) { settings.locale = utf16Text(text); },
+          "Locale of month and day names and of am/pm (fr_FR, de_DE)")
+      ->type_name("ID")
+      ->default_str("en_US_POSIX");
+}
+
 // The options of the form, on its decode or encode subcommand.
 void addFormOptions(CLI::App& command, const FieldForm& form, FieldSettings& settings,
                     bool encoding) {
+  if (form.options & kDateTimeOptions) addDateTimeLayoutOptions(command, settings);
   if (form.options & kSizeOption) addSizeOption(command, form, settings, encoding);
   if (form.options & kUnsignedOption) {
     command.add_flag("--unsigned", settings.isUnsigned, "Unsigned field (default: signed)");
@@ -111,6 +184,33 @@ void addFormOptions(CLI::App& command, const FieldForm& form, FieldSettings& set
   if (form.options & kFloatFormatOption) {
     addChoice(command, "--format", settings.floatFormat, kFloatFormats, "ieee", "Float format");
   }
+  if (form.options & kDateTimeOptions) addDateTimeFormatterOptions(command, settings, encoding);
+}
+
+// The options given on the command line, by their long names.
+std::set<std::string> givenOptions(const CLI::App& command) {
+  std::set<std::string> names;
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->count() > 0 && !option->get_lnames().empty()) {
+      names.insert("--" + option->get_lnames().front());
+    }
+  }
+  return names;
+}
+
+// The form's check of its options together, once each has passed its own.
+void checkFormOptions(const CLI::App& command, const FieldForm& form, FieldSettings& settings,
+                      bool encoding) {
+  settings.given = givenOptions(command);
+  if (form.check != nullptr) form.check(settings, encoding);
+}
+
+// The converter of one command. It keeps pointers to the date-time texts of `settings`, which
+// outlive it.
+DataCnv converterFor(FieldSettings& settings) {
+  return DataCnv(settings.ccsid, settings.endian, settings.floatFormat, settings.centuryWindowStart,
+                 settings.timeZone.data(),
+                 settings.locale.empty() ? nullptr : settings.locale.data(), 0, !settings.lenient);
 }
 
 std::string formNames() {
@@ -178,8 +278,16 @@ void refuseMissingForm(const CLI::App& direction) {
   throw UsageError("unknown form " + words.front() + ": the forms are " + formNames());
 }
 
-std::string formFooter(const char* example, const char* notes) {
-  std::string footer = std::string("Example:\n  ") + example;
+// A form's examples, one a line, and its notes.
+std::string formFooter(const char* examples, const char* notes) {
+  const std::string lines = examples;
+  std::string footer = lines.find('\n') == std::string::npos ? "Example:" : "Examples:";
+  std::size_t start = 0;
+  while (start <= lines.size()) {
+    const std::size_t end = std::min(lines.find('\n', start), lines.size());
+    footer += "\n  " + lines.substr(start, end - start);
+    start = end + 1;
+  }
   if (notes != nullptr) footer += std::string("\n\n") + notes;
   return footer;
 }
@@ -240,7 +348,7 @@ class DecodeOutput {
   nlohmann::json entries_ = nlohmann::json::array();
 };
 
-void runDecode(const FieldForm& form, const DecodeCommand& command) {
+void runDecode(const FieldForm& form, DecodeCommand& command) {
   if (command.length > 0 && !command.fields.empty()) {
     throw UsageError("--length reads the fields from standard input: give none as arguments");
   }
@@ -250,7 +358,7 @@ void runDecode(const FieldForm& form, const DecodeCommand& command) {
         "from standard input");
   }
   const FieldSettings& settings = command.settings;
-  DataCnv cnv(settings.ccsid, settings.endian, settings.floatFormat);
+  DataCnv cnv = converterFor(command.settings);
   DecodeOutput output(command.json);
   auto decodeOne = [&](const FieldBytes& field) {
     const auto size = static_cast<std::int32_t>(field.size());
@@ -290,18 +398,19 @@ void addDecodeForm(CLI::App& decode, const FieldForm& form) {
                       : "Fields in hexadecimal (0x optional)")
       ->type_name("");
   keepWordsAfterDoubleDash(*sub, command->neverFilled);
-  sub->footer(formFooter(form.decodeExample, form.notes));
+  sub->footer(formFooter(form.decodeExamples, form.notes));
   sub->allow_extras();
   sub->callback([sub, &form, command] {
     refuseLeftovers(*sub);
+    checkFormOptions(*sub, form, command->settings, false);
     runDecode(form, *command);
   });
 }
 
 // --- encode ---
 
-void runEncode(const FieldForm& form, const EncodeCommand& command) {
-  DataCnv cnv(command.settings.ccsid, command.settings.endian, command.settings.floatFormat);
+void runEncode(const FieldForm& form, EncodeCommand& command) {
+  DataCnv cnv = converterFor(command.settings);
   for (const std::string& value : command.values) {
     const FieldBytes field = form.encode(command.settings, cnv, value);
     if (command.raw) {
@@ -327,19 +436,21 @@ void addEncodeForm(CLI::App& encode, const FieldForm& form) {
       ->type_name("")
       ->required();
   keepWordsAfterDoubleDash(*sub, command->neverFilled);
-  sub->footer(formFooter(form.encodeExample, form.notes));
+  sub->footer(formFooter(form.encodeExamples, form.notes));
   sub->allow_extras();
   sub->callback([sub, &form, command] {
     refuseLeftovers(*sub);
+    checkFormOptions(*sub, form, command->settings, true);
     runEncode(form, *command);
   });
 }
 
+// The first example of each form.
 std::string examples(bool encoding) {
   std::string text = "Examples:";
   for (const FieldForm& form : fieldForms()) {
-    text += "\n  ";
-    text += encoding ? form.encodeExample : form.decodeExample;
+    const std::string lines = encoding ? form.encodeExamples : form.decodeExamples;
+    text += "\n  " + lines.substr(0, lines.find('\n'));
   }
   return text;
 }

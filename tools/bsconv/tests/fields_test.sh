@@ -121,9 +121,93 @@ done <<'CHECKS'
 0 | TWE=                 | encode base64 4D61
 1 | bsconv: 0xC000157E Input data incomplete | decode base64 TQ=
 2 | bsconv: odd number of hexadecimal digits: 4D6 | encode base64 4D6
+# datetime: text of a pattern. The expected values are Python's (datetime, zoneinfo, codecs).
+0 | 2023-04-09           | decode datetime --pattern yyyyMMdd F2F0F2F3F0F4F0F9
+0 | 2023-04-09T13:05:00  | decode datetime --pattern 'dd.MM.yy HH:mm' --ccsid 819 30392E30342E32332031333A3035
+0 | 2052-01-01\n1953-01-01 | decode datetime --pattern yy F5F2 F5F3
+0 | 1923-04-09           | decode datetime --pattern yyMMdd --century-window 20 F2F3F0F4F0F9
+0 | 13:05:09.123456789   | decode datetime --pattern HH:mm:ss.SSSSSSSSS --ccsid 819 31333A30353A30392E313233343536373839
+0 | 2023-04-09T13:05:00+02:00 | decode datetime --pattern 'EEE, d MMM yyyy HH:mm Z' --ccsid 819 53756E2C20392041707220323032332031333A3035202B30323030
+0 | 2023-04-09           | decode datetime --pattern 'd MMMM y' --locale fr_FR --ccsid 819 3920617672696C2032303233
+0 | 2023-04-09T13:05:09.5+05:30 | decode datetime --pattern I --ccsid 819 323032332D30342D30395431333A30353A30392E352B30353A3330
+0 | 2023-04-09           | decode datetime --pattern yyyyMMdd F2F0F2F3F0F4F0F94040
+0 | 2023-04-09           | decode datetime --pattern yyyyMMdd --ccsid 1200 --byte-order little 32003000320033003000340030003900
+0 | 2023-03-02           | decode datetime --pattern yyyyMMdd --lenient F2F0F2F3F0F2F3F0
+0 | 2023-04-09           | decode datetime --pattern yyyyMMdd --lenient F2F0F2F3F0F4F0F9C1
+1 | bsconv: 0xC00015A9 CPI Invalid Date entered [20230230] | decode datetime --pattern yyyyMMdd F2F0F2F3F0F2F3F0
+1 | bsconv: 0xC00015A4 CPI Unable to parse datetime internally [ABC] [yyyyMMdd] [U_PARSE_ERROR] | decode datetime --pattern yyyyMMdd C1C2C3
+1 | bsconv: 0xC00015A4 CPI Unable to parse datetime internally [20230409A] [yyyyMMdd] [U_PARSE_ERROR] | decode datetime --pattern yyyyMMdd F2F0F2F3F0F4F0F9C1
+1 | bsconv: 0xC00015A8 CPI String invalid format for pattern 'I'. [2023-04-09 13:05] | decode datetime --pattern I --ccsid 819 323032332D30342D30392031333A3035
+1 | bsconv: 0xC0001599 Invalid timezone [Mars/Base] | decode datetime --pattern yyyyMMdd --timezone Mars/Base F2F0F2F3F0F4F0F9
+1 | bsconv: 0xC000158B CPI Datetime invalid Century Window [100] | decode datetime --pattern yyMMdd --century-window 100 F2F3F0F4F0F9
+0 | F2F0F2F3F0F4F0F9     | encode datetime --pattern yyyyMMdd 2023-04-09
+0 | F2F0F2F3F0F4F0F94040 | encode datetime --pattern yyyyMMdd --size 10 2023-04-09
+0 | 31333A30353A30392E313233343536373839 | encode datetime --pattern HH:mm:ss.SSSSSSSSS --ccsid 819 13:05:09.123456789
+0 | 323032332D30342D30395431333A30353A30392E3132333435363738392B30353A3330 | encode datetime --pattern I --ccsid 819 2023-04-09T13:05:09.123456789+05:30
+0 | 323032332D30342D30392031333A30352B30323A3030 | encode datetime --pattern 'yyyy-MM-dd HH:mmXXX' --ccsid 819 --timezone Europe/London 2023-04-09T13:05:00+02:00
+0 | 3920617672696C2032303233 | encode datetime --pattern 'd MMMM y' --locale fr_FR --ccsid 819 2023-04-09
+0 | F2F0F2F3F0F3F0F2     | encode datetime --pattern yyyyMMdd --lenient 2023-02-30
+1 | bsconv: 0xC00015A9 CPI Invalid Date entered [year = 2023, month = 2, day = 30, hour = -2147483648, minute = -2147483648, second = -2147483648, subsecond = -2147483648, scale = -2147483648, timezone = -2147483648, localTimeZone = 0] | encode datetime --pattern yyyyMMdd 2023-02-30
+1 | bsconv: 0xC00015A3 CPI Unable to format datetime internally [HH:mm] [year = 2023, month = 4, day = 9, hour = -2147483648, minute = -2147483648, second = -2147483648, subsecond = -2147483648, scale = -2147483648, timezone = -2147483648, localTimeZone = 0] | encode datetime --pattern HH:mm 2023-04-09
+1 | bsconv: 0xC0001593 Exception caught trying to convert a logical string to a PWFData object [CPI Converter Input Data Invalid] [date-time] [2023-13-01] | encode datetime --pattern yyyyMMdd 2023-13-01
+1 | bsconv: 0xC000157E error convering from unicode [15] | encode datetime --pattern yyyyMMdd --size 4 2023-04-09
+# datetime: seconds and milliseconds since an epoch
+0 | 2023-04-09T13:05:00.000000Z\n1969-12-31T23:59:59.000000Z | decode datetime --seconds 6432B7FC FFFFFFFF
+0 | 2023-04-09T13:05:00.000000Z | decode datetime --seconds --size 8 --byte-order little FCB7326400000000
+0 | 2023-04-09T13:05:00.000000Z | decode datetime --milliseconds 00000187661EB060
+0 | 2023-04-09T15:05:00.000000+02:00\n2023-01-01T13:00:00.000000+01:00 | decode datetime --seconds --timezone Europe/Paris 6432B7FC 63B175C0
+0 | 1999-12-31T23:00:00.000000Z | decode datetime --seconds --epoch 2000-01-01T00:00+01:00 00000000
+1 | bsconv: 0xC0001583 Overflow converting a PWFInt64 to PWFInt32 [integer] [4-byte integer] [4] | decode datetime --seconds 0000000100000000
+1 | bsconv: 0xC000158C CPI Datetime invalid Epoch [2000-01-01T00:00] | decode datetime --seconds --epoch 2000-01-01T00:00 00000000
+1 | bsconv: 0xC000158C CPI Datetime invalid Epoch [2000-01-01T00:00:00+01:00] | decode datetime --seconds --epoch 2000-01-01T00:00:00+01:00 00000000
+0 | 6432B7FC             | encode datetime --seconds --size 4 2023-04-09T13:05:00Z
+0 | 000000006432B7FC     | encode datetime --seconds --size 8 2023-04-09T13:05:00Z
+0 | 00000000\nFFFFFFFF   | encode datetime --seconds --size 4 1969-12-31T23:59:59.5Z 1969-12-31T23:59:59Z
+0 | 6432B7FC             | encode datetime --seconds --size 4 --timezone Europe/Paris 2023-04-09T15:05:00
+0 | 0000B7FC             | encode datetime --seconds --size 4 13:05
+0 | 00000E10             | encode datetime --seconds --size 4 --epoch 2000-01-01T00:00+00:00 2000-01-01T01:00:00Z
+0 | 60B01E6687010000     | encode datetime --milliseconds --size 8 --byte-order little 2023-04-09T13:05:00Z
+1 | bsconv: 0xC0001583 Overflow converting a PWFInt64 to PWFInt32 [integer] [4-byte integer] [4] | encode datetime --milliseconds --size 4 2023-04-09T13:05:00Z
+# datetime: binary field records
+0 | 2023-04-09T00:00:00.000000Z | decode datetime --binary-pattern y+1900Md 7B0409
+0 | 2023-04-09T13:05:09.123000Z | decode datetime --binary-pattern XyyMdHmsSS 00E70704090D05097B00
+0 | 2023-04-09T00:00:00.000000Z | decode datetime --binary-pattern yyyyMd E70700000409
+0 | 0231-01-01T00:00:00.000000Z | decode datetime --binary-pattern yyMd E7
+0 | 2024-01-01T00:00:00.000000Z | decode datetime --binary-pattern y+1900Md --lenient 7B0D01
+1 | bsconv: 0xC00015A9 CPI Invalid Date entered [0x7b0d01] | decode datetime --binary-pattern y+1900Md 7B0D01
+1 | bsconv: 0xC0001597 CPI Datetime From Binary Error [y] [3] | decode datetime --binary-pattern yyyMd 00000000
+1 | bsconv: 0xC0001597 CPI Datetime From Binary Error [Q] [1] | decode datetime --binary-pattern yyQ 000000
+0 | 7B0409               | encode datetime --binary-pattern y+1900Md 2023-04-09
+0 | E707040A             | encode datetime --binary-pattern yyMd-1 2023-04-09
+0 | 00E70704090D05097B00 | encode datetime --binary-pattern XyyMdHmsSS 2023-04-09T13:05:09.123Z
+0 | E70704090000         | encode datetime --binary-pattern yyMd --size 6 2023-04-09
+1 | bsconv: 0xC0001598 CPI Datetime To Binary Error [yyMd] [3] | encode datetime --binary-pattern yyMd --size 3 2023-04-09
+1 | bsconv: 0xC0001598 CPI Datetime To Binary Error [y] [3] | encode datetime --binary-pattern yyyMd 2023-04-09
+1 | bsconv: 0xC0001597 CPI Datetime From Binary Error [Q] [1] | encode datetime --binary-pattern yyQ 2023-04-09
+# datetime: packed date-times
+0 | 2023-04-09           | decode datetime --packed-pattern yyyyMMdd 020230409F
+0 | 2023-04-09           | decode datetime --packed-pattern yyyyMMdd --byte-order little 9F40300202
+0 | 2023-04-09           | decode datetime --packed-pattern yyyyMMdd 00020230409F
+0 | 0023-04-09           | decode datetime --packed-pattern yyyyMMdd 0230409F
+1 | bsconv: 0xC0001581 CPI Converter Input Data Invalid [packed decimal, negative sign found on unsigned data ] [0x020230409d] | decode datetime --packed-pattern yyyyMMdd 020230409D
+0 | 020230409F           | encode datetime --packed-pattern yyyyMMdd 2023-04-09
+0 | 020230409130500F     | encode datetime --packed-pattern yyyyMMddHHmmss 2023-04-09T13:05:00
+0 | 00020230409F         | encode datetime --packed-pattern yyyyMMdd --size 6 2023-04-09
+0 | 9F40300202           | encode datetime --packed-pattern yyyyMMdd --byte-order little 2023-04-09
+1 | bsconv: 0xC0001583 CPI InputData Too Long [packed decimal] [decimal] [4] | encode datetime --packed-pattern yyyyMMdd --size 4 2023-04-09
+# datetime: its options together
+2 | bsconv: decode datetime needs exactly one of --pattern, --seconds, --milliseconds, --binary-pattern, --packed-pattern | decode datetime F2F0
+2 | bsconv: encode datetime needs exactly one of --pattern, --seconds, --milliseconds, --binary-pattern, --packed-pattern | encode datetime --pattern yyyyMMdd --seconds 2023-04-09
+2 | bsconv: decode datetime --seconds does not take --ccsid (it goes with --pattern) | decode datetime --seconds --ccsid 500 00000000
+2 | bsconv: decode datetime --pattern does not take --epoch (it goes with --seconds and --milliseconds) | decode datetime --pattern yyyyMMdd --epoch 2000-01-01T00:00+00:00 F2F0
+2 | bsconv: encode datetime --binary-pattern does not take --byte-order (it goes with --pattern, --seconds, --milliseconds and --packed-pattern) | encode datetime --binary-pattern yMd --byte-order little 2023-04-09
+2 | bsconv: --size: 2 is not 4 or 8, the sizes of --seconds | decode datetime --seconds --size 2 0000
+2 | bsconv: field 000000 has 3 bytes, not 4 or 8 | decode datetime --milliseconds 000000
+2 | bsconv: encode datetime --seconds needs --size 4 or 8 | encode datetime --seconds 2023-04-09
+2 | bsconv: encode datetime does not take --century-window (bsconv encode datetime --help lists its options) | encode datetime --pattern yy --century-window 20 2023-04-09
 # usage errors
-2 | bsconv: decode needs a form: int, packed, tlog-packed, zoned, float, text, interval, base64 | decode
-2 | bsconv: unknown form foo: the forms are int, packed, tlog-packed, zoned, float, text, interval, base64 | encode foo 12
+2 | bsconv: decode needs a form: int, packed, tlog-packed, zoned, float, text, interval, base64, datetime | decode
+2 | bsconv: unknown form foo: the forms are int, packed, tlog-packed, zoned, float, text, interval, base64, datetime | encode foo 12
 2 | bsconv: --scale: the options go after the form (bsconv decode FORM [options]) | decode --scale 2 packed 12345C
 2 | bsconv: decode packed does not take --ccsid (bsconv decode packed --help lists its options) | decode packed --ccsid 500 12345C
 2 | --size is required\nRun with --help for more information. | encode packed 1
@@ -149,18 +233,28 @@ expect 0 '[]' '' decode packed --json --length 3
 run '' decode packed --json 1C 12
 [[ $status == 1 && -z $out ]] || fail "decode packed --json 1C 12" "[1] no output" "[$status] $out"
 
-# Help: exit 0 and an example for each direction and form, and every example does what it says.
+# Help: exit 0 and at least one example for each direction and form, every example does what it
+# says, and the direction's help shows each form's first example.
 for direction in decode encode; do
-  for form in int packed tlog-packed zoned float text interval base64; do
+  declare -A first=()
+  for form in int packed tlog-packed zoned float text interval base64 datetime; do
     run '' "$direction" "$form" --help
-    [[ $status == 0 && $out == *"Example:"*"bsconv $direction $form"* ]] ||
+    [[ $status == 0 && $out == *"Example"*":"*"bsconv $direction $form"* ]] ||
       fail "$direction $form --help" "an example" "[$status] $out"
+    examples=$(sed -n 's/^  bsconv //p' <<<"$out")
+    first[${examples%%$'\n'*}]=1
+    while IFS= read -r example; do
+      eval "args=(${example%%  ->  *})"
+      expect 0 "${example##*  ->  }" '' "${args[@]}"
+    done <<<"$examples"
   done
   run '' "$direction" --help
   while IFS= read -r example; do
-    eval "args=(${example%%  ->  *})"
-    expect 0 "${example##*  ->  }" '' "${args[@]}"
+    [[ -n ${first[$example]:-} ]] || fail "$direction --help" "a form's first example" "$example"
+    unset "first[$example]"
   done < <(sed -n 's/^  bsconv //p' <<<"$out")
+  ((${#first[@]} == 0)) || fail "$direction --help" "every form's first example" "${!first[*]}"
+  unset first
 done
 
 echo "bsconv fields: all checks passed"
