@@ -129,14 +129,7 @@ PWFDateTimeFormatter::PWFDateTimeFormatter(bool strictChecking, const char16_t* 
     CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
              "Invalid minimal days in first week: ", minimalDaysInFirstWeek);
   }
-  // ICU would take an unknown zone for GMT without a word.
-  UChar canonical[128];
-  UBool isSystemId = false;
-  UErrorCode status = U_ZERO_ERROR;
-  ucal_getCanonicalTimeZoneID(timeZoneId_.data(), timeZoneId_.length(), canonical,
-                              static_cast<std::int32_t>(std::size(canonical)), &isSystemId,
-                              &status);
-  if (U_FAILURE(status)) {
+  if (!PWFICUCalendar::isKnownTimeZone(timeZoneId_)) {
     CP_RAISE(CP_DATETIME_INVALID_TIMEZONE_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
              timeZoneId_);
   }

@@ -91,6 +91,19 @@ double PWFDateTimeFormatter::UDateFromEpoch(const char16_t* epoch) {
   return instant;
 }
 
+void PWFDateTimeFormatter::requireRecordArguments(const char* function, const void* data,
+                                                  std::int32_t length,
+                                                  const char16_t* pattern) const {
+  if (pattern == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, function, logSource_, nullptr,
+             "Null pattern pointer.");
+  }
+  if (length < 0 || (data == nullptr && length != 0)) {
+    CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, function, logSource_, nullptr,
+             "Invalid input length: ", length);
+  }
+}
+
 template <class Visit>
 void PWFDateTimeFormatter::walkBinaryPattern(const char16_t* pattern, Visit&& visit) {
   const std::u16string_view units(pattern);
@@ -121,14 +134,7 @@ PWFDateTime PWFDateTimeFormatter::parseBinary(const void* data, std::int32_t len
                                               const char16_t* pattern) {
   constexpr const char* kFunction = "PWFDateTimeFormatter::parseBinary";
   CpDebugTrace trace(kFunction, data, length, pattern);
-  if (pattern == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
-             "Null pattern pointer.");
-  }
-  if (length < 0 || (data == nullptr && length != 0)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
-             "Invalid input length: ", length);
-  }
+  requireRecordArguments(kFunction, data, length, pattern);
   calendar_->clear();
   restoreTimeZone();
   std::int32_t offset = 0;
@@ -148,14 +154,7 @@ void PWFDateTimeFormatter::formatBinary(const PWFDateTime& value, void* data, st
                                         const char16_t* pattern) {
   constexpr const char* kFunction = "PWFDateTimeFormatter::formatBinary";
   CpDebugTrace trace(kFunction, data, length, pattern);
-  if (pattern == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
-             "Null pattern pointer.");
-  }
-  if (length < 0 || (data == nullptr && length != 0)) {
-    CP_RAISE(CP_INTERNAL_ERROR, kFormatterModule, kFunction, logSource_, nullptr,
-             "Invalid input length: ", length);
-  }
+  requireRecordArguments(kFunction, data, length, pattern);
   loadCalendar(value);
   std::int32_t offset = 0;
   walkBinaryPattern(pattern, [&](std::int32_t width, char16_t letter, std::int32_t adjustment) {

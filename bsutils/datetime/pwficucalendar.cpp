@@ -46,16 +46,23 @@ UDate PWFICUCalendar::getMillis() {
   return milliseconds;
 }
 
-void PWFICUCalendar::setTimeZone(const ZanStringBase& timeZoneId) {
-  // ICU takes an unknown id for GMT without a word, so the id is checked first.
+bool PWFICUCalendar::isKnownTimeZone(const ZanStringBase& timeZoneId) {
   UChar canonical[128];
   UBool isSystemId = false;
   UErrorCode status = U_ZERO_ERROR;
   ucal_getCanonicalTimeZoneID(timeZoneId.data(), timeZoneId.length(), canonical,
                               static_cast<std::int32_t>(std::size(canonical)), &isSystemId,
                               &status);
-  if (U_SUCCESS(status))
+  return U_SUCCESS(status);
+}
+
+void PWFICUCalendar::setTimeZone(const ZanStringBase& timeZoneId) {
+  // ICU takes an unknown id for GMT without a word, so the id is checked first.
+  UErrorCode status = U_ILLEGAL_ARGUMENT_ERROR;
+  if (isKnownTimeZone(timeZoneId)) {
+    status = U_ZERO_ERROR;
     ucal_setTimeZone(calendar_, timeZoneId.data(), timeZoneId.length(), &status);
+  }
   if (U_FAILURE(status)) {
     CP_RAISE(CP_CALENDAR_SET_TIMEZONE_ERROR, kFormatterModule, "PWFICUCalendar::setTimeZone",
              logSource_, nullptr, timeZoneId, u_errorName(status));

@@ -145,6 +145,10 @@ class BSUTILS_EXPORT PWFDateTimeFormatter {
   // pattern's text with fields out of range, and returns otherwise.
   void requireMatchOutOfRange(const ZanStringBase& text);
   ZanStringBase formatText(const PWFDateTime& value, const ZanStringBase& pattern);
+  // A binary record's argument checks: CP_INTERNAL_ERROR for a null pattern, a negative length or
+  // a null record of some length.
+  void requireRecordArguments(const char* function, const void* data, std::int32_t length,
+                              const char16_t* pattern) const;
   template <class Visit>
   void walkBinaryPattern(const char16_t* pattern, Visit&& visit);
 

@@ -41,6 +41,8 @@ class BSUTILS_EXPORT PWFICUCalendar {
   void setMillis(UDate milliseconds);
   UDate getMillis();
   void setTimeZone(const ZanStringBase& timeZoneId);
+  // Whether ICU knows the zone id, a custom one ("GMT+05:30") included.
+  static bool isKnownTimeZone(const ZanStringBase& timeZoneId);
   // A field computed from what was set (month 0 to 11, as ICU counts).
   std::int32_t get(UCalendarDateFields field);
   // The calendar is lenient: fields roll over (Feb 30 is Mar 2). This asks whether the fields set
