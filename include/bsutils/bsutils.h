@@ -5,6 +5,7 @@
 
 #include <bsutils/bitstreambuffer.h>
 #include <bsutils/bitstreambufferreader.h>
+#include <bsutils/bitstreamworkerstatechecker.h>
 #include <bsutils/bytebuffer.h>
 #include <bsutils/cpalloc.h>
 #include <bsutils/cpassert.h>
@@ -13,10 +14,15 @@
 #include <bsutils/cputils.h>
 #include <bsutils/dataconv.h>
 #include <bsutils/encoding.h>
+#include <bsutils/fihandler.h>
+#include <bsutils/fimessagetree.h>
+#include <bsutils/fiparser.h>
+#include <bsutils/fitreeiterator.h>
 #include <bsutils/messageinfo.h>
 #include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>
 #include <bsutils/pwfdatetimeformatter.h>
+#include <bsutils/pwfexception.h>
 #include <bsutils/pwficucalendar.h>
 #include <bsutils/pwficudatetime.h>
 #include <bsutils/textbufferreader.h>
