@@ -18,6 +18,8 @@
 #include <bsutils/fimessagetree.h>
 #include <bsutils/fiparser.h>
 #include <bsutils/fitreeiterator.h>
+#include <bsutils/memorymessagetree.h>
+#include <bsutils/memorytreebuilder.h>
 #include <bsutils/messageinfo.h>
 #include <bsutils/numerictextformat.h>
 #include <bsutils/pwfdata.h>

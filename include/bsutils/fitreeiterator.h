@@ -37,8 +37,8 @@ enum ENodeType : std::int32_t { eMessage = 0, eCompound = 1, eSimple = 2, eUnpar
 
 // One step of a node's partial member path: three values whose meaning the tree gives them.
 struct BSUTILS_EXPORT MbrPathItem {
-  MbrPathItem(std::int32_t first, std::int32_t second, std::int32_t third)
-      : first(first), second(second), third(third) {}
+  MbrPathItem(std::int32_t firstValue, std::int32_t secondValue, std::int32_t thirdValue)
+      : first(firstValue), second(secondValue), third(thirdValue) {}
   bool operator==(const MbrPathItem&) const = default;
 
   std::int32_t first;
