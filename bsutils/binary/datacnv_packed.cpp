@@ -5,6 +5,7 @@
 #include <bsutils/cpalloc.h>
 #include <bsutils/cputils.h>
 #include <bsutils/dataconv.h>
+#include <zan/zanlog.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -69,6 +70,46 @@ ZanStringBase nibbleText(const unsigned char* nibbles, std::int32_t count) {
 // The TLOG decimal writer's nibble of a character it has checked: a digit or "-".
 unsigned char tlogDecimalNibble(char16_t unit) {
   return unit == u'-' ? kNegativeNibble : static_cast<unsigned char>(unit - u'0');
+}
+
+// The integer value of a valid packed field of at most 10 bytes (19 digits) with a scale from 0 to
+// 18, read straight from the bytes: the digits truncated by the scale, negative for a D sign. False
+// for anything the general path must judge (a bad nibble, a sign the style refuses, a magnitude
+// beyond 63 bits, debug trace on, which the general path writes): the result is then the general
+// path's, failure included.
+bool readPackedInteger(const unsigned char* source, std::int32_t size, EEndian endian,
+                       std::int32_t scale, DataCnv::ESign sign, std::int64_t& value) {
+  constexpr std::int32_t kLongestField = 10;
+  constexpr std::int32_t kLongestScale = 18;
+  if (source == nullptr || size < 1 || size > kLongestField || scale < 0 || scale > kLongestScale ||
+      ZanLog::isDebugTraceActive()) {
+    return false;
+  }
+  // Byte k counts from the most significant: the sign byte is the last of a big-endian field and
+  // the first of a little-endian one.
+  const auto byteAt = [&](std::int32_t k) {
+    return source[endian == LittleEndian ? size - 1 - k : k];
+  };
+  const unsigned char signNibble = byteAt(size - 1) & 0x0F;
+  if (signNibble <= kLastDigit) return false;
+  const bool negative = signNibble == kNegativeNibble;
+  if ((negative || signNibble == kAlternateNegativeNibble) && sign != kSignedField) return false;
+  std::uint64_t magnitude = 0;
+  for (std::int32_t k = 0; k < size; ++k) {
+    const unsigned char byte = byteAt(k);
+    const unsigned left = byte >> 4;
+    const unsigned right = byte & 0x0F;
+    if (left > kLastDigit) return false;
+    magnitude = magnitude * 10 + left;
+    if (k + 1 < size) {
+      if (right > kLastDigit) return false;
+      magnitude = magnitude * 10 + right;
+    }
+  }
+  for (std::int32_t s = 0; s < scale; ++s) magnitude /= 10;
+  if (magnitude > static_cast<std::uint64_t>(INT64_MAX)) return false;
+  value = negative ? -static_cast<std::int64_t>(magnitude) : static_cast<std::int64_t>(magnitude);
+  return true;
 }
 
 }  // namespace
@@ -278,6 +319,11 @@ std::int32_t DataCnv::PckdDecToInt32(const unsigned char* source, std::int32_t s
                                      std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecToInt32";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, endian, scale, sign);
+  std::int64_t value = 0;
+  if (readPackedInteger(source, size, endian, scale, sign, value) && value >= INT32_MIN &&
+      value <= INT32_MAX) {
+    return static_cast<std::int32_t>(value);
+  }
   const ZanStringBase text = packedDecimalText(kFunction, source, size, endian, scale, sign);
   unsigned char work[4];
   std::int32_t length = sizeof work;
@@ -289,6 +335,8 @@ std::int64_t DataCnv::PckdDecToPWFInt64(const unsigned char* source, std::int32_
                                         EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecToPWFInt64";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, endian, scale, sign);
+  std::int64_t value = 0;
+  if (readPackedInteger(source, size, endian, scale, sign, value)) return value;
   const ZanStringBase text = packedDecimalText(kFunction, source, size, endian, scale, sign);
   unsigned char work[8];
   std::int32_t length = sizeof work;
