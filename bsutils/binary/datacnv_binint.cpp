@@ -62,6 +62,22 @@ constexpr IntegerTarget kFromInt64[] = {
     {1, false, 0, 255, "Overflow converting a PWFInt64 to PWFUInt8", "1-byte integer"},
 };
 
+// The 64-bit unsigned writer's rows: its values pass the signed range, so the bounds are its own.
+struct UnsignedTarget {
+  std::int32_t size;
+  std::uint64_t max;
+  const char* overflow;
+  const char* description;
+};
+
+constexpr UnsignedTarget kFromUInt64[] = {
+    {8, std::numeric_limits<std::uint64_t>::max(), nullptr, "8-byte integer"},
+    {4, std::numeric_limits<std::uint32_t>::max(), "Overflow converting a PWFUInt64 to PWFUInt32",
+     "4-byte unsigned integer"},
+    {2, 65535, "Overflow converting a PWFUInt64 to PWFUInt16", "2-byte unsigned integer"},
+    {1, 255, "Overflow converting a PWFUInt64 to PWFUInt8", "1-byte unsigned integer"},
+};
+
 // The bounds of IntFromDbl, inclusive. The 8-byte ones are the doubles nearest to 2 to the 64
 // and 2 to the 63, which are those powers themselves.
 struct DoubleTarget {
@@ -248,6 +264,23 @@ void DataCnv::IntFromInt64(std::int64_t value, unsigned char* output, std::int32
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length, sign);
   writeCheckedInteger(this, endian_, kFunction, kFromInt64, value, output, length,
                       sign == eLeadingEmbeddedSign);
+}
+
+void DataCnv::UIntFromUInt64(std::uint64_t value, unsigned char* output, std::int32_t& length) {
+  constexpr const char* kFunction = "DataCnv::UIntFromUInt64";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length);
+  requireOutputBuffer(this, kFunction, output);
+  for (const UnsignedTarget& target : kFromUInt64) {
+    if (target.size != length) continue;
+    if (value > target.max) {
+      CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kFunction, this, target.overflow,
+               "integer", target.description, length);
+    }
+    storeInteger(value, output, length, endian_);
+    return;
+  }
+  CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+           "Invalid integer size: ", length);
 }
 
 void DataCnv::IntFromDbl(double value, unsigned char* output, std::int32_t& length, ESign sign,

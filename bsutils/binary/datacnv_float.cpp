@@ -1,12 +1,13 @@
 // Floating point: 4- and 8-byte IEEE and hexadecimal (HFP) floats read into doubles and written
-// from them, directly and through decimal text, and the bit-exact conversions between the two
-// formats.
+// from them, directly and through decimal text, the bit-exact conversions between the two formats
+// as the runtime has them, and correctly rounded HFP conversions of values.
 //
 // The format conversions work on the bit patterns as unsigned words, copied in and out with memcpy:
 // an HFP word held in a float is no float at all, and loading it as one could change its bits.
 
 #include <bsutils/dataconv.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -201,6 +202,66 @@ void requireFloatSize(const DataCnv* cnv, const char* function, std::int32_t siz
   }
 }
 
+// --- Correctly rounded HFP (HFPToDouble, DoubleToHFP) ---
+// These work on the value, not on bit patterns: an HFP number is an integer fraction F of 24 or 56
+// bits times 2 to a multiple of 4, and a double an integer of at most 53 bits times a power of 2,
+// so each direction is one integer rounding and one exact scaling by a power of 2.
+
+constexpr int kHfpShortDigits = 6;
+constexpr int kHfpLongDigits = 14;
+constexpr int kDoubleDigits = 53;  // the significand's bits, the implicit one included
+
+// `value` shifted right by `shift` bits (0 or more), rounded to the nearest integer, ties to even.
+// From 64 bits on nothing is left but less than half of one, for any value below 2^63.
+constexpr std::uint64_t shiftRightRounded(std::uint64_t value, int shift) {
+  if (shift == 0) return value;
+  if (shift >= 64) return 0;
+  const std::uint64_t kept = value >> shift;
+  const std::uint64_t rest = value & ((std::uint64_t{1} << shift) - 1);
+  const std::uint64_t half = std::uint64_t{1} << (shift - 1);
+  return rest > half || (rest == half && (kept & 1) != 0) ? kept + 1 : kept;
+}
+
+// The power of 16 of a value in [2^(exponent - 1), 2^exponent): the E with 16^(E - 1) <= value <
+// 16^E, which is exponent / 4 rounded up (arithmetic shift: floor of (exponent + 3) / 4).
+constexpr int hexExponentOf(int exponent) { return (exponent + 3) >> 2; }
+
+// The magnitude of `fraction` x 2^(exponent) as a double, `fraction` of up to 56 bits: rounded to
+// 53 bits here, so the result does not depend on the processor's rounding mode, then scaled
+// exactly (every HFP value lies well inside the double's normal range).
+double hfpMagnitude(std::uint64_t fraction, int exponent) {
+  const int excess = std::max(0, static_cast<int>(std::bit_width(fraction)) - kDoubleDigits);
+  // A carry out of the 53 bits gives 2^53, which a double holds exactly.
+  return std::ldexp(static_cast<double>(shiftRightRounded(fraction, excess)), exponent + excess);
+}
+
+// The HFP fields of a finite, non-zero magnitude with `digits` hexadecimal fraction digits: the
+// characteristic (which may exceed 127: the caller checks) and the fraction, rounded to nearest,
+// ties to even; below 16^-65 with characteristic 0 and an unnormalised (possibly zero) fraction.
+struct HfpFields {
+  int characteristic;
+  std::uint64_t fraction;
+};
+
+HfpFields hfpFieldsOf(double magnitude, int digits) {
+  int exponent = 0;
+  // magnitude = significand x 2^(exponent - 53), significand an integer below 2^53 (subnormal
+  // doubles included: frexp normalises them).
+  const auto significand = static_cast<std::uint64_t>(
+      std::ldexp(std::frexp(magnitude, &exponent), kDoubleDigits));
+  int hexExponent = std::max(hexExponentOf(exponent), -kHfpBias);
+  // fraction = magnitude x 16^(digits - hexExponent) = significand x 2^shift.
+  const int shift = exponent - kDoubleDigits + 4 * (digits - hexExponent);
+  std::uint64_t fraction =
+      shift >= 0 ? significand << shift : shiftRightRounded(significand, -shift);
+  // Rounding up to 16^digits is one more power of 16 and a fraction of 0.1.
+  if (fraction >> (4 * digits) != 0) {
+    fraction >>= 4;
+    ++hexExponent;
+  }
+  return {hexExponent + kHfpBias, fraction};
+}
+
 }  // namespace
 
 void DataCnv::ConvertFloatHFPtoIEEE(float* input, float* output) {
@@ -284,6 +345,75 @@ void DataCnv::FltFromDbl(double value, unsigned char* output, std::int32_t& size
     storeWords(ieeeToHfpDouble(loadWords(&value, LittleEndian)), bytes, LittleEndian);
   } else {
     std::memcpy(bytes, &value, sizeof value);
+  }
+  if (endian_ == LittleEndian) {
+    std::memcpy(output, bytes, static_cast<std::size_t>(size));
+  } else {
+    SwapEnds(output, bytes, size);
+  }
+}
+
+double DataCnv::HFPToDouble(const unsigned char* source, std::int32_t size) {
+  constexpr const char* kFunction = "DataCnv::HFPToDouble";
+  CpDebugTrace trace(kFunction, static_cast<const void*>(source), size);
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Null input pointer passed into DataCnv::HFPToDouble");
+  }
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid input size: ", size);
+  }
+  requireFloatSize(this, kFunction, size);
+  // The bytes as FltToDbl takes them: in machine order, the high word of 8 second.
+  unsigned char bytes[kDoubleSize];
+  if (endian_ == LittleEndian) {
+    std::memcpy(bytes, source, static_cast<std::size_t>(size));
+  } else {
+    SwapEnds(bytes, source, size);
+  }
+  const Words words = size == kFloatSize ? Words{loadWord(bytes), 0}
+                                         : loadWords(bytes, LittleEndian);
+  const int digits = size == kFloatSize ? kHfpShortDigits : kHfpLongDigits;
+  const std::uint64_t fraction =
+      size == kFloatSize ? std::uint64_t{words.high & kHfpFractionBits}
+                         : (std::uint64_t{words.high & kHfpFractionBits} << kLowWordWidth) |
+                               words.low;
+  const int characteristic = static_cast<int>((words.high & kMagnitudeBits) >> 24);
+  // fraction x 16^(characteristic - 64 - digits); a zero fraction is a zero, whatever the
+  // characteristic.
+  const double magnitude = hfpMagnitude(fraction, 4 * (characteristic - kHfpBias - digits));
+  return trace.result((words.high & kSignBit) != 0 ? -magnitude : magnitude);
+}
+
+void DataCnv::DoubleToHFP(double value, unsigned char* output, std::int32_t& size) {
+  constexpr const char* kFunction = "DataCnv::DoubleToHFP";
+  CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), size);
+  requireOutputBuffer(this, kFunction, output);
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
+             "Invalid output buffer size: ", size);
+  }
+  requireFloatSize(this, kFunction, size);
+  if (!std::isfinite(value)) {
+    CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kFunction, this, nullptr, "double", value);
+  }
+  const int digits = size == kFloatSize ? kHfpShortDigits : kHfpLongDigits;
+  const std::uint32_t sign = std::signbit(value) ? kSignBit : 0;
+  HfpFields fields{0, 0};
+  if (value != 0.0) fields = hfpFieldsOf(std::fabs(value), digits);
+  if (fields.characteristic > kHfpMaxCharacteristic) {
+    CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, kFunction, this, nullptr, "double",
+             value);
+  }
+  const auto characteristic = static_cast<std::uint32_t>(fields.characteristic) << 24;
+  unsigned char bytes[kDoubleSize];
+  if (size == kFloatSize) {
+    storeWord(sign | characteristic | static_cast<std::uint32_t>(fields.fraction), bytes);
+  } else {
+    storeWords({sign | characteristic | static_cast<std::uint32_t>(fields.fraction >> kLowWordWidth),
+                static_cast<std::uint32_t>(fields.fraction)},
+               bytes, LittleEndian);
   }
   if (endian_ == LittleEndian) {
     std::memcpy(output, bytes, static_cast<std::size_t>(size));

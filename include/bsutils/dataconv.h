@@ -441,6 +441,12 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   void IntFromInt32(std::int32_t value, unsigned char* output, std::int32_t& length, ESign sign);
   void UIntFromUInt32(std::uint32_t value, unsigned char* output, std::int32_t& length);
   void IntFromInt64(std::int64_t value, unsigned char* output, std::int32_t& length, ESign sign);
+  // The unsigned twin of IntFromInt64: the whole 64-bit range into 8 bytes, and into 4, 2 or 1
+  // byte what fits (18446744073709551615 into 8 bytes is FF x 8). Too large for the size: the
+  // overflow "Overflow converting a PWFUInt64 to PWFUInt32" (PWFUInt16, PWFUInt8) with the inserts
+  // "integer", "4-byte unsigned integer" (2-, 1-byte), the size. A null output: "Null output
+  // buffer pointer"; other sizes: "Invalid integer size: ".
+  void UIntFromUInt64(std::uint64_t value, unsigned char* output, std::int32_t& length);
   // The value times ten once a place (repeated multiplication by 10), checked against the size's
   // bounds inclusive at both ends, then truncated toward zero: 12.345 with scale 2 -> 1234,
   // -2.9 -> -2. Outside the bounds, or NaN: CP_CONV_INPUT_DATA_OUT_OF_BOUNDS with the inserts
@@ -728,6 +734,24 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   static void ConvertFloatIEEEtoHFP(float* input, float* output);
   static void ConvertDoubleHFPtoIEEE(double* input, double* output, EEndian endian);
   static void ConvertDoubleIEEEtoHFP(double* input, double* output, EEndian endian);
+  // Correctly rounded HFP, whatever the object's float format: the bytes in the object's byte
+  // order as FltToDbl reads them and FltFromDbl writes them (8 bytes BigEndian: the high-order
+  // word first). The value is (-1)^sign x fraction x 16^(characteristic - 64), the fraction
+  // 0.hhhhhh (4 bytes) or 0.hhhhhhhhhhhhhh (8 bytes).
+  // Reads 4 bytes exactly (every short HFP value is a double) and 8 bytes rounded to the nearest
+  // double, ties to even, unnormalised fractions included; a zero fraction is a zero of the sign.
+  //   41100000 -> 1.0; 00100000 -> 16^-65; 46FFFFFF -> 16777215.0; 80000000 -> -0.0
+  // Raises what FltToDbl raises for a null source (naming HFPToDouble), a size below 1 or other
+  // than 4 or 8.
+  double HFPToDouble(const unsigned char* source, std::int32_t size);
+  // Writes `value` rounded to the nearest HFP value of 6 (4 bytes) or 14 (8 bytes) hexadecimal
+  // digits, ties to even, normalised; below 16^-65 the nearest value with characteristic 0 and an
+  // unnormalised fraction, down to a zero of the value's sign. 0.1 -> 4019999A in 4 bytes.
+  // Raises what FltFromDbl raises for a null output, a size below 1 or other than 4 or 8, then
+  // CP_CONV_INPUT_DATA_INVALID for a NaN or an infinity and CP_CONV_INPUT_DATA_OUT_OF_BOUNDS for
+  // a value that rounds beyond the largest HFP value, 16^63 x (1 - 16^-6) or (1 - 16^-14) (both
+  // with the inserts "double" and the value). Nothing is written on failure; `size` is unchanged.
+  void DoubleToHFP(double value, unsigned char* output, std::int32_t& size);
 
   // ==== 13. Date and time
   // ===========================================================================

@@ -121,6 +121,61 @@ TEST(DataCnvBinInt, WritersCheckEveryRangeRow) {
   }
 }
 
+TEST(DataCnvBinInt, UnsignedSixtyFourBitWriterTakesTheWholeRange) {
+  // The bits written by hand, or the target kind and description that the overflow names.
+  struct Row {
+    const char* name;
+    std::uint64_t value;
+    std::int32_t size;
+    std::uint64_t bits;
+    const char* kinds;
+    const char* target;
+  };
+  const Row rows[] = {
+      {"largest 8-byte", UINT64_MAX, 8, 0xFFFFFFFF'FFFFFFFF, nullptr, nullptr},
+      {"2^63, past the signed range", 0x80000000'00000000, 8, 0x80000000'00000000, nullptr,
+       nullptr},
+      {"zero", 0, 8, 0, nullptr, nullptr},
+      {"bytes in order", 0x01020304'05060708, 8, 0x01020304'05060708, nullptr, nullptr},
+      {"largest 4-byte", 4294967295, 4, 0xFFFFFFFF, nullptr, nullptr},
+      {"2^32 into 4", 4294967296, 4, 0, "PWFUInt64 to PWFUInt32", "4-byte unsigned integer"},
+      {"largest 2-byte", 65535, 2, 0xFFFF, nullptr, nullptr},
+      {"65536 into 2", 65536, 2, 0, "PWFUInt64 to PWFUInt16", "2-byte unsigned integer"},
+      {"largest 1-byte", 255, 1, 0xFF, nullptr, nullptr},
+      {"256 into 1", 256, 1, 0, "PWFUInt64 to PWFUInt8", "1-byte unsigned integer"},
+      {"largest 8-byte into 1", UINT64_MAX, 1, 0, "PWFUInt64 to PWFUInt8",
+       "1-byte unsigned integer"},
+  };
+  for (const EEndian endian : {BigEndian, LittleEndian}) {
+    DataCnv cnv(1200, endian);
+    for (const Row& row : rows) {
+      SCOPED_TRACE(std::string(row.name) + " endian " + std::to_string(endian));
+      Bytes out(8, 0xEE);
+      std::int32_t size = row.size;
+      const auto write = [&] { cnv.UIntFromUInt64(row.value, out.data(), size); };
+      if (row.kinds == nullptr) {
+        write();
+        EXPECT_EQ(Bytes(out.begin(), out.begin() + row.size), field(row.bits, row.size, endian));
+        EXPECT_EQ(cnv.UIntToUInt64(out.data(), row.size), row.value) << "reads back";
+      } else {
+        expectOverflow(write, row.kinds, "UIntFromUInt64", row.target, row.size);
+        EXPECT_EQ(out, Bytes(8, 0xEE)) << "nothing written before the checks pass";
+      }
+      EXPECT_EQ(size, row.size);
+    }
+  }
+  DataCnv cnv(1200, BigEndian);
+  Bytes out(8, 0xEE);
+  std::int32_t three = 3, zero = 0, eight = 8;
+  expectConversionFailure([&] { cnv.UIntFromUInt64(1, out.data(), three); }, kInternal,
+                          "DataCnv::UIntFromUInt64", {"Invalid integer size: ", "3"});
+  expectConversionFailure([&] { cnv.UIntFromUInt64(1, out.data(), zero); }, kInternal,
+                          "DataCnv::UIntFromUInt64", {"Invalid integer size: ", "0"});
+  expectConversionFailure([&] { cnv.UIntFromUInt64(1, nullptr, eight); }, kInternal,
+                          "DataCnv::UIntFromUInt64", {"Null output buffer pointer"});
+  EXPECT_EQ(out, Bytes(8, 0xEE));
+}
+
 TEST(DataCnvBinInt, DoublesTruncateWithinInclusiveBounds) {
   // The bits written, or the target that the out-of-bounds failure names. Any style but 0 is
   // signed. The 8-byte bounds are 2^63 and 2^64 themselves: accepted, written as the largest

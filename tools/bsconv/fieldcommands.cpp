@@ -184,6 +184,11 @@ void addFormOptions(CLI::App& command, const FieldForm& form, FieldSettings& set
   if (form.options & kFloatFormatOption) {
     addChoice(command, "--format", settings.floatFormat, kFloatFormats, "ieee", "Float format");
   }
+  if (form.options & kRuntimeHfpOption) {
+    command.add_flag("--runtime-hfp", settings.runtimeHfp,
+                     "HFP through the runtime's conversions, which truncate (default: exact, "
+                     "rounded to nearest)");
+  }
   if (form.options & kDateTimeOptions) addDateTimeFormatterOptions(command, settings, encoding);
 }
 

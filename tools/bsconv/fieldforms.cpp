@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <limits>
+#include <optional>
 
 namespace {
 
@@ -51,7 +54,46 @@ PWFData decodeInt(const FieldSettings& settings, DataCnv& cnv, const unsigned ch
                       DataCnv::eNoTrim, DataCnv::eRightJustified, u' ', true, impliedPoint);
 }
 
+// An unsigned 8-byte value above the signed range, when `value` is one: the integer that the
+// library's packed decimal writer makes of the text (the point moved, the fraction cut, as for
+// IntFromDec), read back as digits. Anything else is left to the signed path and its failures.
+std::optional<std::uint64_t> unsignedAboveInt64(DataCnv& cnv, const std::string& value,
+                                                std::int32_t scale) {
+  // 21 digits hold every 64-bit value; text the signed path reads without a digit ("") stays there.
+  constexpr std::int32_t kPackedSize = 11;
+  if (value.find_first_of("0123456789") == std::string::npos) return std::nullopt;
+  // Beyond 20 integer digits (after the scale) the value passes 2^64: the signed path refuses it
+  // in its own words rather than the packed writer in its.
+  const std::size_t first = std::min(value.find_first_not_of(" +-0"), value.size());
+  const std::size_t integerDigits =
+      std::min(value.find_first_not_of("0123456789", first), value.size()) - first;
+  if (integerDigits + static_cast<std::size_t>(std::max(scale, 0)) > 20) return std::nullopt;
+  unsigned char packed[kPackedSize];
+  std::int32_t packedSize = kPackedSize;
+  cnv.PckdDecFromDec(utf16(value).terminatedData(), packed, packedSize, BigEndian, scale,
+                     DataCnv::eLeadingEmbeddedSign);
+  const std::string digits =
+      cnv.PckdDecToDec(packed, kPackedSize, BigEndian, 0, DataCnv::eLeadingEmbeddedSign)
+          .getDecimalText()
+          .toUtf8();
+  std::uint64_t integer = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), integer);
+  if (error != std::errc() || end != digits.data() + digits.size() ||
+      integer <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
+    return std::nullopt;
+  }
+  return integer;
+}
+
 FieldBytes encodeInt(const FieldSettings& settings, DataCnv& cnv, const std::string& value) {
+  FieldBytes field(static_cast<std::size_t>(settings.size));
+  std::int32_t size = settings.size;
+  if (settings.isUnsigned && settings.size == 8) {
+    if (const std::optional<std::uint64_t> large = unsignedAboveInt64(cnv, value, settings.scale)) {
+      cnv.UIntFromUInt64(*large, field.data(), size);
+      return field;
+    }
+  }
   // The library's exact decimal-to-integer step (the point moved, the fraction cut) writes a
   // signed integer; through 8 bytes it yields the value, whose range for the field's own size and
   // signedness IntFromInt64 then checks.
@@ -59,8 +101,6 @@ FieldBytes encodeInt(const FieldSettings& settings, DataCnv& cnv, const std::str
   std::int32_t wideSize = sizeof wide;
   cnv.IntFromDec(utf16(value).terminatedData(), wide, wideSize, settings.scale);
   const std::int64_t integer = cnv.IntToInt64(wide, wideSize, DataCnv::eLeadingEmbeddedSign);
-  FieldBytes field(static_cast<std::size_t>(settings.size));
-  std::int32_t size = settings.size;
   cnv.IntFromInt64(integer, field.data(), size, binarySign(settings));
   return field;
 }
@@ -116,9 +156,14 @@ FieldBytes encodeZoned(const FieldSettings& settings, DataCnv& cnv, const std::s
 
 // --- float ---
 
-PWFData decodeFloat(const FieldSettings& /*settings*/, DataCnv& cnv, const unsigned char* field,
+// HFP goes through the correctly rounded conversions unless --runtime-hfp asks for the runtime's.
+bool exactHfp(const FieldSettings& settings) {
+  return settings.floatFormat == HFPFloat && !settings.runtimeHfp;
+}
+
+PWFData decodeFloat(const FieldSettings& settings, DataCnv& cnv, const unsigned char* field,
                     std::int32_t size) {
-  return PWFData(cnv.FltToDbl(field, size));
+  return PWFData(exactHfp(settings) ? cnv.HFPToDouble(field, size) : cnv.FltToDbl(field, size));
 }
 
 FieldBytes encodeFloat(const FieldSettings& settings, DataCnv& cnv, const std::string& value) {
@@ -128,8 +173,18 @@ FieldBytes encodeFloat(const FieldSettings& settings, DataCnv& cnv, const std::s
       cnv.StandardStrToData(utf16(value).terminatedData(), -1, eFloat).getDoubleValue();
   FieldBytes field(static_cast<std::size_t>(settings.size));
   std::int32_t size = settings.size;
-  cnv.FltFromDbl(number, field.data(), size);
+  if (exactHfp(settings)) {
+    cnv.DoubleToHFP(number, field.data(), size);
+  } else {
+    cnv.FltFromDbl(number, field.data(), size);
+  }
   return field;
+}
+
+void checkFloat(const FieldSettings& settings, bool /*encoding*/) {
+  if (settings.runtimeHfp && settings.floatFormat != HFPFloat) {
+    throw UsageError("--runtime-hfp goes with --format hfp");
+  }
 }
 
 // --- text ---
@@ -368,8 +423,8 @@ const FieldForm kForms[] = {
      .encode = encodeInt,
      .decodeExamples = "bsconv decode int --scale 2 000004D2  ->  12.34",
      .encodeExamples = "bsconv encode int --size 2 -- -2  ->  FFFE",
-     .notes = "The fraction beyond --scale is cut, not rounded. Unsigned 8-byte values above\n"
-              "9223372036854775807 decode but do not encode."},
+     .notes = "The fraction beyond --scale is cut, not rounded. --unsigned takes 8-byte values\n"
+              "up to 18446744073709551615."},
     {.name = "packed",
      .description = "Packed decimal: two digits a byte, the sign in the last nibble",
      .options = kBinaryNumberOptions | kUnsignedOption,
@@ -401,15 +456,22 @@ const FieldForm kForms[] = {
          "or C/F (positive) in EBCDIC, p-y for a negative digit in an ASCII-based CCSID."},
     {.name = "float",
      .description = "Floating point of 4 or 8 bytes, IEEE 754 or HFP (hexadecimal floating point)",
-     .options = kSizeOption | kByteOrderOption | kFloatFormatOption,
+     .options = kSizeOption | kByteOrderOption | kFloatFormatOption | kRuntimeHfpOption,
      .sizes = kFloatSizes,
      .fixedSize = true,
+     .check = checkFloat,
      .decode = decodeFloat,
      .encode = encodeFloat,
-     .decodeExamples = "bsconv decode float --format hfp 41100000  ->  1.0E0",
-     .encodeExamples = "bsconv encode float --size 8 1.5E2  ->  4062C00000000000",
+     .decodeExamples = "bsconv decode float --format hfp 41100000  ->  1.0E0\n"
+                       "bsconv decode float --format hfp 4120000000000001  ->  2.0E0\n"
+                       "bsconv decode float --format hfp --runtime-hfp 4120000000000001  ->  "
+                       "2.0000000000000004E0",
+     .encodeExamples = "bsconv encode float --size 8 1.5E2  ->  4062C00000000000\n"
+                       "bsconv encode float --size 4 --format hfp 0.1  ->  4019999A\n"
+                       "bsconv encode float --size 4 --format hfp --runtime-hfp 0.1  ->  40199999",
      .notes = "encode reads what decode prints (1.5E2, INF, NaN) and plain decimals.\n"
-              "A 4-byte HFP field is truncated, not rounded."},
+              "HFP is rounded to nearest, ties to even, and refuses INF, NaN and values beyond\n"
+              "its range; --runtime-hfp truncates instead, as the runtime does."},
     {.name = "text",
      .description = "Text in a CCSID (--byte-order for the UTF-16 CCSIDs), printed as UTF-8",
      .options = kSizeOption | kCcsidOption | kByteOrderOption,

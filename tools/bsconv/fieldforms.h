@@ -24,7 +24,8 @@ enum FieldOption : unsigned {
   kFloatFormatOption = 1U << 7,  // --format ieee|hfp
   // --pattern P, --seconds, --milliseconds, --binary-pattern P, --packed-pattern P, --epoch TEXT,
   // --timezone ID, --century-window N, --lenient, --locale ID
-  kDateTimeOptions = 1U << 8
+  kDateTimeOptions = 1U << 8,
+  kRuntimeHfpOption = 1U << 9,  // --runtime-hfp
 };
 
 // How a date-time field holds its value: the one option of the datetime form that says so.
@@ -48,6 +49,9 @@ struct FieldSettings {
   DataCnv::ESign zonedSign = DataCnv::eTrailingEmbeddedSign;
   bool ebcdicOverpunch = false;
   EFloatFmt floatFormat = IEEEFloat;
+  // HFP through the runtime's conversions (FltToDbl, FltFromDbl: truncating) rather than the
+  // correctly rounded HFPToDouble and DoubleToHFP.
+  bool runtimeHfp = false;
   // The datetime form's: the layout and its pattern, the epoch of --seconds and --milliseconds
   // (empty: 1970-01-01T00:00Z), and the converter's date-time formatter settings. The converter
   // keeps pointers to the zone and locale texts, so the settings outlive it.

@@ -59,6 +59,14 @@ done <<'CHECKS'
 0 | FFFF                 | encode int --size 2 --unsigned 65535
 1 | bsconv: 0xC0001583 Overflow converting a PWFInt64 to PWFUInt16 [integer] [2-byte integer] [2] | encode int --size 2 --unsigned 65536
 1 | bsconv: 0xC000157E CPI Internal Error [Invalid integer size: ] [3] | decode int 010203
+0 | FFFFFFFFFFFFFFFF     | encode int --size 8 --unsigned 18446744073709551615
+0 | 8000000000000000     | encode int --size 8 --unsigned 9223372036854775808
+0 | 0000000000000001     | encode int --size 8 --unsigned 1
+0 | FFFFFFFFFFFFFFFF     | encode int --size 8 --unsigned --byte-order little --scale 1 1844674407370955161.59
+1 | bsconv: 0xC0001582 CPI Converter Input Data Out Of Bounds [string] [18446744073709551616] [8-byte integer] | encode int --size 8 --unsigned 18446744073709551616
+1 | bsconv: 0xC0001582 CPI Converter Input Data Out Of Bounds [string] [123456789012345678901] [8-byte integer] | encode int --size 8 --unsigned 123456789012345678901
+1 | bsconv: 0xC0001583 Overflow converting a PWFInt64 to PWFUInt64 [integer] [8-byte integer] [8] | encode int --size 8 --unsigned -- -1
+1 | bsconv: 0xC0001582 CPI Converter Input Data Out Of Bounds [string] [9223372036854775808] [8-byte integer] | encode int --size 8 9223372036854775808
 2 | --size: 3 not in {1,2,4,8}\nRun with --help for more information. | encode int --size 3 1
 # packed
 0 | 123.45               | decode packed --scale 2 12345C
@@ -97,7 +105,18 @@ done <<'CHECKS'
 0 | 1.0E0                | decode float --byte-order little 0000803F
 0 | 1.5E2                | decode float 4062C00000000000
 0 | 4062C00000000000     | encode float --size 8 1.5E2
-0 | 40199999             | encode float --size 4 --format hfp 0.1
+0 | 40199999             | encode float --size 4 --format hfp --runtime-hfp 0.1
+0 | 4019999A             | encode float --size 4 --format hfp 0.1
+0 | 401999999999999A     | encode float --size 8 --format hfp 0.1
+0 | 9A9919C0             | encode float --size 4 --format hfp --byte-order little -- -0.1
+0 | 2.0E0                | decode float --format hfp 4120000000000001
+0 | 2.0000000000000004E0 | decode float --format hfp --runtime-hfp 4120000000000001
+0 | 1.6777215E7\n5.397605346934028E-79\n-0.0E0 | decode float --format hfp 46FFFFFF 00100000 80000000
+0 | 1.0E0                | decode float --format hfp --byte-order little 0000000000001041
+0 | 7FFFFFFF             | encode float --size 4 --format hfp 7.2370051459731155E75
+1 | bsconv: 0xC0001582 CPI Converter Input Data Out Of Bounds [double] [7.237005577332262e+75] | encode float --size 8 --format hfp 7.237005577332262E75
+1 | bsconv: 0xC0001581 CPI Converter Input Data Invalid [double] [nan] | encode float --size 8 --format hfp NaN
+2 | bsconv: --runtime-hfp goes with --format hfp | encode float --size 4 --runtime-hfp 1
 0 | 0000C03F             | encode float --size 4 --byte-order little 1.5
 1 | bsconv: 0xC000157E CPI Internal Error [Invalid float size: ] [2] | decode float 3F80
 1 | bsconv: 0xC0001593 Exception caught trying to convert a logical string to a PWFData object [CPI Converter Input Data Invalid] [double] [abc] | encode float --size 4 abc
