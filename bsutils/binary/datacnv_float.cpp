@@ -247,8 +247,8 @@ HfpFields hfpFieldsOf(double magnitude, int digits) {
   int exponent = 0;
   // magnitude = significand x 2^(exponent - 53), significand an integer below 2^53 (subnormal
   // doubles included: frexp normalises them).
-  const auto significand = static_cast<std::uint64_t>(
-      std::ldexp(std::frexp(magnitude, &exponent), kDoubleDigits));
+  const auto significand =
+      static_cast<std::uint64_t>(std::ldexp(std::frexp(magnitude, &exponent), kDoubleDigits));
   int hexExponent = std::max(hexExponentOf(exponent), -kHfpBias);
   // fraction = magnitude x 16^(digits - hexExponent) = significand x 2^shift.
   const int shift = exponent - kDoubleDigits + 4 * (digits - hexExponent);
@@ -372,13 +372,13 @@ double DataCnv::HFPToDouble(const unsigned char* source, std::int32_t size) {
   } else {
     SwapEnds(bytes, source, size);
   }
-  const Words words = size == kFloatSize ? Words{loadWord(bytes), 0}
-                                         : loadWords(bytes, LittleEndian);
+  const Words words =
+      size == kFloatSize ? Words{loadWord(bytes), 0} : loadWords(bytes, LittleEndian);
   const int digits = size == kFloatSize ? kHfpShortDigits : kHfpLongDigits;
   const std::uint64_t fraction =
-      size == kFloatSize ? std::uint64_t{words.high & kHfpFractionBits}
-                         : (std::uint64_t{words.high & kHfpFractionBits} << kLowWordWidth) |
-                               words.low;
+      size == kFloatSize
+          ? std::uint64_t{words.high & kHfpFractionBits}
+          : (std::uint64_t{words.high & kHfpFractionBits} << kLowWordWidth) | words.low;
   const int characteristic = static_cast<int>((words.high & kMagnitudeBits) >> 24);
   // fraction x 16^(characteristic - 64 - digits); a zero fraction is a zero, whatever the
   // characteristic.
@@ -411,9 +411,10 @@ void DataCnv::DoubleToHFP(double value, unsigned char* output, std::int32_t& siz
   if (size == kFloatSize) {
     storeWord(sign | characteristic | static_cast<std::uint32_t>(fields.fraction), bytes);
   } else {
-    storeWords({sign | characteristic | static_cast<std::uint32_t>(fields.fraction >> kLowWordWidth),
-                static_cast<std::uint32_t>(fields.fraction)},
-               bytes, LittleEndian);
+    storeWords(
+        {sign | characteristic | static_cast<std::uint32_t>(fields.fraction >> kLowWordWidth),
+         static_cast<std::uint32_t>(fields.fraction)},
+        bytes, LittleEndian);
   }
   if (endian_ == LittleEndian) {
     std::memcpy(output, bytes, static_cast<std::size_t>(size));

@@ -272,16 +272,28 @@ TEST(DataCnvHfpExact, FailuresRaiseBeforeWriting) {
     Inserts inserts;
   };
   const Case cases[] = {
-      {"null source", 4, read(nullptr), "HFPToDouble", kInternal,
+      {"null source",
+       4,
+       read(nullptr),
+       "HFPToDouble",
+       kInternal,
        {"Null input pointer passed into DataCnv::HFPToDouble"}},
       {"size 0", 0, read(one.data()), "HFPToDouble", kInternal, {"Invalid input size: ", "0"}},
       {"size -4", -4, read(one.data()), "HFPToDouble", kInternal, {"Invalid input size: ", "-4"}},
       {"size 6", 6, read(one.data()), "HFPToDouble", kInternal, {"Invalid float size: ", "6"}},
-      {"null output", 8, [&] { cnv.DoubleToHFP(1.0, nullptr, size); }, "DoubleToHFP", kInternal,
+      {"null output",
+       8,
+       [&] { cnv.DoubleToHFP(1.0, nullptr, size); },
+       "DoubleToHFP",
+       kInternal,
        {"Null output buffer pointer"}},
       {"size 0", 0, write(1.0), "DoubleToHFP", kInternal, {"Invalid output buffer size: ", "0"}},
       {"size 6", 6, write(1.0), "DoubleToHFP", kInternal, {"Invalid float size: ", "6"}},
-      {"size checked before the value", 6, write(NAN), "DoubleToHFP", kInternal,
+      {"size checked before the value",
+       6,
+       write(NAN),
+       "DoubleToHFP",
+       kInternal,
        {"Invalid float size: ", "6"}},
       {"NaN", 8, write(NAN), "DoubleToHFP", kInvalid, {"double", "nan"}},
       {"infinity", 4, write(INFINITY), "DoubleToHFP", kInvalid, {"double", "inf"}},
@@ -289,7 +301,11 @@ TEST(DataCnvHfpExact, FailuresRaiseBeforeWriting) {
       {"16^63", 8, write(0x1p252), "DoubleToHFP", kBounds, {"double", "7.237005577332262e+75"}},
       {"-1e300", 4, write(-1e300), "DoubleToHFP", kBounds, {"double", "-1e+300"}},
       // The half between the largest short and 16^63 is a tie whose even neighbour is 16^63.
-      {"tie past the largest short", 4, write(0x1.ffffffp251), "DoubleToHFP", kBounds,
+      {"tie past the largest short",
+       4,
+       write(0x1.ffffffp251),
+       "DoubleToHFP",
+       kBounds,
        {"double", "7.237005361652689e+75"}},  // 2^252 x (1 - 2^-25)
   };
   for (const Case& c : cases) {
