@@ -6,6 +6,7 @@
 #include <zan/zanlog.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -32,6 +33,17 @@ const std::vector<Op>& operations() {
 }
 
 }  // namespace
+
+// scripts/fuzz runs the target once per family, leaving the other families out through
+// BSUTILS_FUZZ_SKIP, so it asks for each family's size: BSUTILS_FUZZ_COUNTS=1 prints them, in the
+// order operations() puts the families, and exits before any input.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  const char* env = std::getenv("BSUTILS_FUZZ_COUNTS");
+  if (env == nullptr || std::strcmp(env, "1") != 0) return 0;
+  std::printf("binary %zu\ntext %zu\ndatetime %zu\n", bsfuzz::binaryOperations().size(),
+              bsfuzz::textOperations().size(), bsfuzz::datetimeOperations().size());
+  std::exit(0);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 9) return 0;

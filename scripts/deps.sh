@@ -4,9 +4,22 @@
 BSUTILS_PACKAGES=(cmake make g++ pkg-config libicu-dev libgtest-dev libbenchmark-dev libcli11-dev
   nlohmann-json3-dev)
 
+# The fuzzer's: clang, libFuzzer's runtime (libclang-rt-14-dev holds libclang_rt.fuzzer for clang
+# 14, which Debian 12's clang is) and llvm-14 for llvm-symbolizer, so that sanitizer stacks name
+# functions and lines.
+BSUTILS_FUZZ_PACKAGES=(cmake make libicu-dev clang libclang-rt-14-dev llvm-14)
+
 ensure_packages() {
+  ensure_listed_packages "${BSUTILS_PACKAGES[@]}"
+}
+
+ensure_fuzz_packages() {
+  ensure_listed_packages "${BSUTILS_FUZZ_PACKAGES[@]}"
+}
+
+ensure_listed_packages() {
   local missing=() package
-  for package in "${BSUTILS_PACKAGES[@]}"; do
+  for package in "$@"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
       missing+=("$package")
   done
