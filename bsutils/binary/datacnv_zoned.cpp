@@ -421,10 +421,12 @@ bool DataCnv::takeOverpunchedSign(ZanStringBase& text, std::int32_t at, bool cus
   return signedDigit.negative;
 }
 
-ZanStringBase DataCnv::ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
-                                   EJustification justification, std::int32_t padCharacter,
-                                   bool padIsUnicode, bool customSignEBCDIC,
-                                   const char16_t* positiveSigns, const char16_t* negativeSigns) {
+template <class Use>
+auto DataCnv::readZonedDigits(const unsigned char* source, std::int32_t size, ESign sign,
+                              EJustification justification, std::int32_t padCharacter,
+                              bool padIsUnicode, bool customSignEBCDIC,
+                              const char16_t* positiveSigns, const char16_t* negativeSigns,
+                              Use&& use) {
   checkZonedSource(this, kExtDecToStr, kExternalSizeMessage, source, size);
   checkZonedForm(kExtDecToStr, sign, justification, positiveSigns, negativeSigns);
   if (padCharacter < 0 || padCharacter > 0xFFFF) {
@@ -447,13 +449,21 @@ ZanStringBase DataCnv::ExtDecToStr(const unsigned char* source, std::int32_t siz
     bool negative = false;
     if (digitsFromBytes(source, size, sign, ebcdic, customSignEBCDIC, digits.data(), count,
                         negative)) {
-      return signedIntegerText(digits.data(), count, negative);
+      return use(digits.data(), count, negative);
     }
   }
   ZanStringBase digits;
   const bool negative = zonedDigitsFromText(source, size, sign, justification, pad, padIsUnicode,
                                             customSignEBCDIC, positiveSigns, negativeSigns, digits);
-  return signedIntegerText(digits.data(), digits.length(), negative);
+  return use(digits.data(), digits.length(), negative);
+}
+
+ZanStringBase DataCnv::ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
+                                   EJustification justification, std::int32_t padCharacter,
+                                   bool padIsUnicode, bool customSignEBCDIC,
+                                   const char16_t* positiveSigns, const char16_t* negativeSigns) {
+  return readZonedDigits(source, size, sign, justification, padCharacter, padIsUnicode,
+                         customSignEBCDIC, positiveSigns, negativeSigns, signedIntegerText);
 }
 
 std::int64_t DataCnv::ExtDecToInt64(const unsigned char* source, std::int32_t size, ESign sign,
@@ -464,9 +474,21 @@ std::int64_t DataCnv::ExtDecToInt64(const unsigned char* source, std::int32_t si
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, sign, justification,
                      padCharacter, padIsUnicode, customSignEBCDIC);
   checkZonedSource(this, kFunction, "Invalid extended decimal size: ", source, size);
-  return trace.result(
-      UStringToInt64(ExtDecToStr(source, size, sign, justification, padCharacter, padIsUnicode,
-                                 customSignEBCDIC, positiveSigns, negativeSigns)));
+  // Up to 18 digits the value is built from them directly; longer fields go through the text,
+  // whose reader judges the range.
+  constexpr std::int32_t kSafeDigits = 18;
+  return trace.result(readZonedDigits(
+      source, size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
+      positiveSigns, negativeSigns,
+      [this](const char16_t* digits, std::int32_t count, bool negative) {
+        const auto isDigit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
+        if (count > kSafeDigits || !std::all_of(digits, digits + count, isDigit)) {
+          return UStringToInt64(signedIntegerText(digits, count, negative));
+        }
+        std::int64_t magnitude = 0;
+        for (std::int32_t i = 0; i < count; ++i) magnitude = magnitude * 10 + (digits[i] - u'0');
+        return negative ? -magnitude : magnitude;
+      }));
 }
 
 double DataCnv::ExtDecToDbl(const unsigned char* source, std::int32_t size, std::int32_t scale,

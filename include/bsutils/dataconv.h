@@ -946,8 +946,16 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                               const PWFData& value, std::int32_t size);
 
   // ---- 11. zoned decimal (binary/datacnv_zoned.cpp) ----
-  // The readers' common body: the field's value as integer text, "-" before a negative value and
-  // no leading zeros ("-123", "0").
+  // The readers' common body: checks the field and its form, then hands `use` the field's digits
+  // ("0".."9" units, leading zeros kept), their count and the sign, read byte by byte where the
+  // field allows and through the code page otherwise; returns what `use` returns.
+  template <class Use>
+  auto readZonedDigits(const unsigned char* source, std::int32_t size, ESign sign,
+                       EJustification justification, std::int32_t padCharacter, bool padIsUnicode,
+                       bool customSignEBCDIC, const char16_t* positiveSigns,
+                       const char16_t* negativeSigns, Use&& use);
+  // The field's value as integer text, "-" before a negative value and no leading zeros ("-123",
+  // "0").
   ZanStringBase ExtDecToStr(const unsigned char* source, std::int32_t size, ESign sign,
                             EJustification justification, std::int32_t padCharacter,
                             bool padIsUnicode, bool customSignEBCDIC, const char16_t* positiveSigns,

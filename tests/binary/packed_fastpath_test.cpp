@@ -14,30 +14,9 @@
 #include <string>
 #include <vector>
 
+#include "support/outcome.h"
+
 namespace {
-
-// What a call gave: its value, or its failure as the caller sees it.
-struct Outcome {
-  bool failed = false;
-  std::int64_t value = 0;
-  std::int32_t messageNumber = 0;
-  std::string traceText;
-  std::vector<std::string> inserts;
-  bool operator==(const Outcome&) const = default;
-};
-
-Outcome outcomeOf(const std::function<std::int64_t()>& call) {
-  Outcome outcome;
-  try {
-    outcome.value = call();
-  } catch (const ZanException& failure) {
-    outcome.failed = true;
-    outcome.messageNumber = failure.messageNumber();
-    outcome.traceText = failure.traceText();
-    outcome.inserts = failure.inserts();
-  }
-  return outcome;
-}
 
 // Debug trace on, its records dropped: the readers take their general path.
 class GeneralPathOnly {
