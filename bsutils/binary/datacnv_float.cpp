@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string>
 
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
@@ -202,6 +203,47 @@ void requireFloatSize(const DataCnv* cnv, const char* function, std::int32_t siz
   }
 }
 
+// The readers' checks, then the field's bytes in machine order (the high word of 8 second), as
+// every float reader takes them.
+void loadFloatField(const DataCnv* cnv, const char* function, const unsigned char* source,
+                    std::int32_t size, EEndian endian, unsigned char* bytes) {
+  if (source == nullptr) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
+             std::string("Null input pointer passed into ") + function);
+  }
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
+             "Invalid input size: ", size);
+  }
+  requireFloatSize(cnv, function, size);
+  if (endian == LittleEndian) {
+    std::memcpy(bytes, source, static_cast<std::size_t>(size));
+  } else {
+    DataCnv::SwapEnds(bytes, source, size);
+  }
+}
+
+// The writers' checks of the output and its size, before anything is converted.
+void requireFloatOutput(const DataCnv* cnv, const char* function, const unsigned char* output,
+                        std::int32_t size) {
+  requireOutputBuffer(cnv, function, output);
+  if (size <= 0) {
+    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
+             "Invalid output buffer size: ", size);
+  }
+  requireFloatSize(cnv, function, size);
+}
+
+// Machine-order bytes into the field in the object's byte order.
+void storeFloatField(const unsigned char* bytes, unsigned char* output, std::int32_t size,
+                     EEndian endian) {
+  if (endian == LittleEndian) {
+    std::memcpy(output, bytes, static_cast<std::size_t>(size));
+  } else {
+    DataCnv::SwapEnds(output, bytes, size);
+  }
+}
+
 // --- Correctly rounded HFP (HFPToDouble, DoubleToHFP) ---
 // These work on the value, not on bit patterns: an HFP number is an integer fraction F of 24 or 56
 // bits times 2 to a multiple of 4, and a double an integer of at most 53 bits times a power of 2,
@@ -297,22 +339,8 @@ void DataCnv::ConvertDoubleIEEEtoHFP(double* input, double* output, EEndian endi
 double DataCnv::FltToDbl(const unsigned char* source, std::int32_t size) {
   constexpr const char* kFunction = "DataCnv::FltToDbl";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null input pointer passed into DataCnv::FltToDbl");
-  }
-  if (size <= 0) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid input size: ", size);
-  }
-  requireFloatSize(this, kFunction, size);
-  // The bytes in machine order, where the high word of 8 comes second (LittleEndian).
   unsigned char bytes[kDoubleSize];
-  if (endian_ == LittleEndian) {
-    std::memcpy(bytes, source, static_cast<std::size_t>(size));
-  } else {
-    SwapEnds(bytes, source, size);
-  }
+  loadFloatField(this, kFunction, source, size, endian_, bytes);
   double value;
   if (size == kFloatSize) {
     std::uint32_t word = loadWord(bytes);
@@ -329,12 +357,7 @@ double DataCnv::FltToDbl(const unsigned char* source, std::int32_t size) {
 void DataCnv::FltFromDbl(double value, unsigned char* output, std::int32_t& size) {
   constexpr const char* kFunction = "DataCnv::FltFromDbl";
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), size);
-  requireOutputBuffer(this, kFunction, output);
-  if (size <= 0) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid output buffer size: ", size);
-  }
-  requireFloatSize(this, kFunction, size);
+  requireFloatOutput(this, kFunction, output, size);
   unsigned char bytes[kDoubleSize];
   if (size == kFloatSize) {
     // Narrowed by the processor's rounding to nearest; beyond the single range that is infinity.
@@ -346,32 +369,14 @@ void DataCnv::FltFromDbl(double value, unsigned char* output, std::int32_t& size
   } else {
     std::memcpy(bytes, &value, sizeof value);
   }
-  if (endian_ == LittleEndian) {
-    std::memcpy(output, bytes, static_cast<std::size_t>(size));
-  } else {
-    SwapEnds(output, bytes, size);
-  }
+  storeFloatField(bytes, output, size, endian_);
 }
 
 double DataCnv::HFPToDouble(const unsigned char* source, std::int32_t size) {
   constexpr const char* kFunction = "DataCnv::HFPToDouble";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size);
-  if (source == nullptr) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Null input pointer passed into DataCnv::HFPToDouble");
-  }
-  if (size <= 0) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid input size: ", size);
-  }
-  requireFloatSize(this, kFunction, size);
-  // The bytes as FltToDbl takes them: in machine order, the high word of 8 second.
   unsigned char bytes[kDoubleSize];
-  if (endian_ == LittleEndian) {
-    std::memcpy(bytes, source, static_cast<std::size_t>(size));
-  } else {
-    SwapEnds(bytes, source, size);
-  }
+  loadFloatField(this, kFunction, source, size, endian_, bytes);
   const Words words =
       size == kFloatSize ? Words{loadWord(bytes), 0} : loadWords(bytes, LittleEndian);
   const int digits = size == kFloatSize ? kHfpShortDigits : kHfpLongDigits;
@@ -389,12 +394,7 @@ double DataCnv::HFPToDouble(const unsigned char* source, std::int32_t size) {
 void DataCnv::DoubleToHFP(double value, unsigned char* output, std::int32_t& size) {
   constexpr const char* kFunction = "DataCnv::DoubleToHFP";
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), size);
-  requireOutputBuffer(this, kFunction, output);
-  if (size <= 0) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid output buffer size: ", size);
-  }
-  requireFloatSize(this, kFunction, size);
+  requireFloatOutput(this, kFunction, output, size);
   if (!std::isfinite(value)) {
     CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kFunction, this, nullptr, "double", value);
   }
@@ -416,11 +416,7 @@ void DataCnv::DoubleToHFP(double value, unsigned char* output, std::int32_t& siz
          static_cast<std::uint32_t>(fields.fraction)},
         bytes, LittleEndian);
   }
-  if (endian_ == LittleEndian) {
-    std::memcpy(output, bytes, static_cast<std::size_t>(size));
-  } else {
-    SwapEnds(output, bytes, size);
-  }
+  storeFloatField(bytes, output, size, endian_);
 }
 
 PWFData DataCnv::FltToDec(const unsigned char* source, std::int32_t size, std::int32_t scale) {
@@ -438,12 +434,7 @@ void DataCnv::FltFromDec(const char16_t* decimal, unsigned char* output, std::in
   CpDebugTrace trace(kFunction, static_cast<const void*>(decimal), static_cast<const void*>(output),
                      size, scale);
   requireInputPointer(this, kFunction, decimal);
-  requireOutputBuffer(this, kFunction, output);
-  if (size <= 0) {
-    CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-             "Invalid output buffer size: ", size);
-  }
-  requireFloatSize(this, kFunction, size);
+  requireFloatOutput(this, kFunction, output, size);
   // The point moves the other way; the smallest scale has no opposite.
   if (scale == std::numeric_limits<std::int32_t>::min()) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr, "Invalid scale: ", scale);
