@@ -203,9 +203,11 @@ void PWFDateTimeFormatter::subParse(const void* data, std::int32_t length, std::
   const std::int32_t value = width == 1   ? static_cast<std::int8_t>(raw)
                              : width == 2 ? static_cast<std::int16_t>(raw)
                                           : static_cast<std::int32_t>(raw);
-  const auto adjusted = static_cast<std::int32_t>(static_cast<std::uint32_t>(value) +
-                                                  static_cast<std::uint32_t>(adjustment));
-  calendar_->set(kBinaryCalendarFields[field], field == eBinaryMonth ? adjusted - 1 : adjusted);
+  // The sum, and the month's step down to ICU's count from 0, wrap as 32 bits as the field does.
+  const std::uint32_t adjusted =
+      static_cast<std::uint32_t>(value) + static_cast<std::uint32_t>(adjustment);
+  calendar_->set(kBinaryCalendarFields[field],
+                 static_cast<std::int32_t>(field == eBinaryMonth ? adjusted - 1 : adjusted));
   offset += width;
 }
 

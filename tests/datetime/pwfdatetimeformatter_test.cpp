@@ -218,3 +218,15 @@ TEST(DateTimeFormatterNumbers, FractionsBelowAMillisecondCountTowardZero) {
       0);
   EXPECT_EQ(utc.formatMilliSeconds(at(date(1970, 1, 1), timeOfDay(0, 0, 0, 15, 4), 0), nullptr), 1);
 }
+
+TEST(DateTimeFormatterBinary, AMonthAtTheEdgeOf32BitsWrapsRatherThanOverflowing) {
+  // The smallest 32-bit month, stepped down to ICU's count from 0, wraps to the largest: a lenient
+  // calendar then rolls it far forward, past anything it can hold, and says so.
+  PWFDateTimeFormatter lenient(false);
+  const unsigned char record[] = {0x00, 0x00, 0x00, 0x80};
+  try {
+    lenient.parseBinary(record, 4, u"MMMM");
+  } catch (const ZanException&) {
+    // Refusing the rolled instant is as good an answer as any value; overflowing is not.
+  }
+}
