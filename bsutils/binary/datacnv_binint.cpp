@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <span>
 
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
@@ -27,6 +26,8 @@ struct IntegerTarget {
   std::int64_t max;
   const char* overflow;
   const char* description;
+
+  bool fits(std::int64_t value) const { return value >= min && value <= max; }
 };
 
 constexpr std::int64_t kInt32Min = std::numeric_limits<std::int32_t>::min();
@@ -68,6 +69,9 @@ struct UnsignedTarget {
   std::uint64_t max;
   const char* overflow;
   const char* description;
+  static constexpr bool isSigned = false;
+
+  bool fits(std::uint64_t value) const { return value <= max; }
 };
 
 constexpr UnsignedTarget kFromUInt64[] = {
@@ -133,13 +137,14 @@ void storeInteger(std::uint64_t value, unsigned char* output, std::int32_t size,
 }
 
 // The writers' common body: the row of `targets` for the size and signedness decides the range.
+template <class Target, std::size_t Rows>
 void writeCheckedInteger(const DataCnv* source, EEndian endian, const char* function,
-                         std::span<const IntegerTarget> targets, std::int64_t value,
+                         const Target (&targets)[Rows], decltype(Target::max) value,
                          unsigned char* output, std::int32_t size, bool isSigned) {
   requireOutputBuffer(source, function, output);
-  for (const IntegerTarget& target : targets) {
+  for (const Target& target : targets) {
     if (target.size != size || target.isSigned != isSigned) continue;
-    if (value < target.min || value > target.max) {
+    if (!target.fits(value)) {
       CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, function, source, target.overflow,
                "integer", target.description, size);
     }
@@ -269,18 +274,7 @@ void DataCnv::IntFromInt64(std::int64_t value, unsigned char* output, std::int32
 void DataCnv::UIntFromUInt64(std::uint64_t value, unsigned char* output, std::int32_t& length) {
   constexpr const char* kFunction = "DataCnv::UIntFromUInt64";
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), length);
-  requireOutputBuffer(this, kFunction, output);
-  for (const UnsignedTarget& target : kFromUInt64) {
-    if (target.size != length) continue;
-    if (value > target.max) {
-      CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kFunction, this, target.overflow,
-               "integer", target.description, length);
-    }
-    storeInteger(value, output, length, endian_);
-    return;
-  }
-  CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, kFunction, this, nullptr,
-           "Invalid integer size: ", length);
+  writeCheckedInteger(this, endian_, kFunction, kFromUInt64, value, output, length, false);
 }
 
 void DataCnv::IntFromDbl(double value, unsigned char* output, std::int32_t& length, ESign sign,
