@@ -4,9 +4,15 @@
 
 ZanStringBase::ZanStringBase(const char16_t* text) : ZanStringBase(text, -1) {}
 
-ZanStringBase::ZanStringBase(const char16_t* text, std::int32_t length) {
-  if (text != nullptr) text_.setTo(text, length);
-  checked();
+ZanStringBase::ZanStringBase(const char16_t* text, std::int32_t length) { assign(text, length); }
+
+ZanStringBase& ZanStringBase::assign(const char16_t* text, std::int32_t length) {
+  if (text == nullptr) {
+    text_.remove();
+  } else {
+    text_.setTo(text, length);
+  }
+  return checked();
 }
 
 // ICU marks a string whose storage could not grow as bogus and carries on as if it were empty; a

@@ -3,10 +3,11 @@
 
 #include <bsutils/dataconv.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 
+#include "binary/fieldbits.h"
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
@@ -14,8 +15,6 @@
 using namespace bsutils::internal;
 
 namespace {
-
-constexpr std::int32_t kMaxIntegerBytes = 8;
 
 // One row of a writer's range table: the field size and signedness it applies to, the values that
 // fit, and what an overflow says (no message: every value of the source type fits).
@@ -111,31 +110,6 @@ std::int64_t signExtended(std::uint64_t value, std::int32_t size) {
   return static_cast<std::int64_t>(value << unusedBits) >> unusedBits;
 }
 
-// The field's value as unsigned: its bytes put in little-endian order, whatever the processor's,
-// then assembled by place value.
-std::uint64_t loadInteger(const unsigned char* source, std::int32_t size, EEndian endian) {
-  unsigned char bytes[kMaxIntegerBytes];
-  if (endian == LittleEndian) {
-    std::copy_n(source, size, bytes);
-  } else {
-    DataCnv::SwapEnds(bytes, source, size);
-  }
-  std::uint64_t value = 0;
-  for (std::int32_t i = size - 1; i >= 0; --i) value = value << 8 | bytes[i];
-  return value;
-}
-
-// The low-order `size` bytes of `value`, in the field's byte order.
-void storeInteger(std::uint64_t value, unsigned char* output, std::int32_t size, EEndian endian) {
-  unsigned char bytes[kMaxIntegerBytes];
-  for (std::int32_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>(value >> (8 * i));
-  if (endian == LittleEndian) {
-    std::copy_n(bytes, size, output);
-  } else {
-    DataCnv::SwapEnds(output, bytes, size);
-  }
-}
-
 // The writers' common body: the row of `targets` for the size and signedness decides the range.
 template <class Target, std::size_t Rows>
 void writeCheckedInteger(const DataCnv* source, EEndian endian, const char* function,
@@ -148,7 +122,7 @@ void writeCheckedInteger(const DataCnv* source, EEndian endian, const char* func
       CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, function, source, target.overflow,
                "integer", target.description, size);
     }
-    storeInteger(static_cast<std::uint64_t>(value), output, size, endian);
+    storeFieldBits(static_cast<std::uint64_t>(value), output, size, endian);
     return;
   }
   CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, source, nullptr,
@@ -164,8 +138,9 @@ void requireScale(const DataCnv* source, const char* function, std::int32_t scal
 }
 
 // The readers' argument checks; each names a null source in its own words.
-void checkIntegerSource(const DataCnv* cnv, const char* function, const char* nullMessage,
-                        const unsigned char* source, std::int32_t length, bool eightAllowed) {
+inline void checkIntegerSource(const DataCnv* cnv, const char* function, const char* nullMessage,
+                               const unsigned char* source, std::int32_t length,
+                               bool eightAllowed) {
   if (source == nullptr) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr, nullMessage);
   }
@@ -183,7 +158,7 @@ std::int32_t DataCnv::IntToInt32(const unsigned char* source, std::int32_t lengt
   checkIntegerSource(this, kFunction,
                      "DataCnv::IntToInt32 called with a Null input pointer for the source.", source,
                      length, false);
-  const std::uint64_t value = loadInteger(source, length, endian_);
+  const std::uint64_t value = loadFieldBits(source, length, endian_);
   const bool isSigned = sign == eLeadingEmbeddedSign;
   if (length == 4 && !isSigned && value > static_cast<std::uint64_t>(kInt32Max)) {
     CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kFunction, this,
@@ -198,7 +173,7 @@ std::int64_t DataCnv::IntToInt64(const unsigned char* source, std::int32_t lengt
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length, sign);
   checkIntegerSource(this, kFunction, "Null input pointer passed into DataCnv::IntToInt64", source,
                      length, true);
-  const std::uint64_t value = loadInteger(source, length, endian_);
+  const std::uint64_t value = loadFieldBits(source, length, endian_);
   const bool isSigned = sign == eLeadingEmbeddedSign;
   if (length == 8 && !isSigned && value > static_cast<std::uint64_t>(kInt64Max)) {
     CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kFunction, this,
@@ -211,7 +186,7 @@ std::uint64_t DataCnv::UIntToUInt64(const unsigned char* source, std::int32_t le
   constexpr const char* kFunction = "DataCnv::UIntToUInt64";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), length);
   checkIntegerSource(this, kFunction, "Null input pointer", source, length, true);
-  return trace.result(loadInteger(source, length, endian_));
+  return trace.result(loadFieldBits(source, length, endian_));
 }
 
 double DataCnv::IntToDbl(const unsigned char* source, std::int32_t length, std::int32_t scale,
@@ -243,6 +218,13 @@ PWFData DataCnv::IntToDec(const unsigned char* source, std::int32_t length, std:
   requireScale(this, kFunction, scale);
   // Always read as signed, whatever the field's convention.
   const std::int64_t value = IntToInt64(source, length, eLeadingEmbeddedSign);
+  if (scale <= kMaxStackScale && fastPathsOpen()) {
+    char16_t digits[kMaxIntegerDigits];
+    const std::int32_t count = decimalDigits(magnitudeOf(value), digits);
+    char16_t text[kMaxIntegerDigits + kMaxStackScale + 4];
+    placePoint(digits, count, scale, value < 0, text);
+    return PWFData(text, eDecimal);
+  }
   ZanStringBase text;
   Int64ToUString(value, text);
   shiftSignedDecimal(text, scale);
@@ -313,7 +295,7 @@ void DataCnv::IntFromDbl(double value, unsigned char* output, std::int32_t& leng
   } else {
     bits = static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
   }
-  storeInteger(bits, output, length, endian_);
+  storeFieldBits(bits, output, length, endian_);
 }
 
 void DataCnv::IntFromDec(const char16_t* decimal, unsigned char* output, std::int32_t& length,

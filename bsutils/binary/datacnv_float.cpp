@@ -15,6 +15,7 @@
 #include <limits>
 #include <string>
 
+#include "binary/fieldbits.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
@@ -81,6 +82,14 @@ std::uint32_t loadWord(const void* value) {
 }
 
 void storeWord(std::uint32_t word, void* output) { std::memcpy(output, &word, sizeof word); }
+
+// An 8-byte field's bits, as loadFieldBits gives them, and its two words.
+Words wordsOf(std::uint64_t bits) {
+  return {static_cast<std::uint32_t>(bits >> kLowWordWidth), static_cast<std::uint32_t>(bits)};
+}
+std::uint64_t bitsOf(const Words& words) {
+  return std::uint64_t{words.high} << kLowWordWidth | words.low;
+}
 
 std::uint32_t hfpToIeeeSingle(std::uint32_t hfp) {
   const std::uint32_t sign = hfp & kSignBit;
@@ -203,10 +212,9 @@ void requireFloatSize(const DataCnv* cnv, const char* function, std::int32_t siz
   }
 }
 
-// The readers' checks, then the field's bytes in machine order (the high word of 8 second), as
-// every float reader takes them.
-void loadFloatField(const DataCnv* cnv, const char* function, const unsigned char* source,
-                    std::int32_t size, EEndian endian, unsigned char* bytes) {
+// The readers' checks, then the field's bits: the high word of an 8-byte field above the low.
+std::uint64_t loadFloatField(const DataCnv* cnv, const char* function, const unsigned char* source,
+                             std::int32_t size, EEndian endian) {
   if (source == nullptr) {
     CP_RAISE(CP_INTERNAL_ERROR, kDataCnvModule, function, cnv, nullptr,
              std::string("Null input pointer passed into ") + function);
@@ -216,11 +224,7 @@ void loadFloatField(const DataCnv* cnv, const char* function, const unsigned cha
              "Invalid input size: ", size);
   }
   requireFloatSize(cnv, function, size);
-  if (endian == LittleEndian) {
-    std::memcpy(bytes, source, static_cast<std::size_t>(size));
-  } else {
-    DataCnv::SwapEnds(bytes, source, size);
-  }
+  return loadFieldBits(source, size, endian);
 }
 
 // The writers' checks of the output and its size, before anything is converted.
@@ -232,16 +236,6 @@ void requireFloatOutput(const DataCnv* cnv, const char* function, const unsigned
              "Invalid output buffer size: ", size);
   }
   requireFloatSize(cnv, function, size);
-}
-
-// Machine-order bytes into the field in the object's byte order.
-void storeFloatField(const unsigned char* bytes, unsigned char* output, std::int32_t size,
-                     EEndian endian) {
-  if (endian == LittleEndian) {
-    std::memcpy(output, bytes, static_cast<std::size_t>(size));
-  } else {
-    DataCnv::SwapEnds(output, bytes, size);
-  }
 }
 
 // --- Correctly rounded HFP (HFPToDouble, DoubleToHFP) ---
@@ -339,56 +333,46 @@ void DataCnv::ConvertDoubleIEEEtoHFP(double* input, double* output, EEndian endi
 double DataCnv::FltToDbl(const unsigned char* source, std::int32_t size) {
   constexpr const char* kFunction = "DataCnv::FltToDbl";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size);
-  unsigned char bytes[kDoubleSize];
-  loadFloatField(this, kFunction, source, size, endian_, bytes);
-  double value;
+  const std::uint64_t bits = loadFloatField(this, kFunction, source, size, endian_);
   if (size == kFloatSize) {
-    std::uint32_t word = loadWord(bytes);
+    auto word = static_cast<std::uint32_t>(bits);
     if (floatFormat_ == HFPFloat) word = hfpToIeeeSingle(word);
-    value = std::bit_cast<float>(word);
-  } else if (floatFormat_ == HFPFloat) {
-    storeWords(hfpToIeeeDouble(loadWords(bytes, LittleEndian)), &value, LittleEndian);
-  } else {
-    std::memcpy(&value, bytes, sizeof value);
+    return trace.result(static_cast<double>(std::bit_cast<float>(word)));
   }
-  return trace.result(value);
+  return trace.result(std::bit_cast<double>(
+      floatFormat_ == HFPFloat ? bitsOf(hfpToIeeeDouble(wordsOf(bits))) : bits));
 }
 
 void DataCnv::FltFromDbl(double value, unsigned char* output, std::int32_t& size) {
   constexpr const char* kFunction = "DataCnv::FltFromDbl";
   CpDebugTrace trace(kFunction, value, static_cast<const void*>(output), size);
   requireFloatOutput(this, kFunction, output, size);
-  unsigned char bytes[kDoubleSize];
+  std::uint64_t bits = 0;
   if (size == kFloatSize) {
     // Narrowed by the processor's rounding to nearest; beyond the single range that is infinity.
     auto word = std::bit_cast<std::uint32_t>(static_cast<float>(value));
     if (floatFormat_ == HFPFloat) word = ieeeToHfpSingle(word);
-    storeWord(word, bytes);
-  } else if (floatFormat_ == HFPFloat) {
-    storeWords(ieeeToHfpDouble(loadWords(&value, LittleEndian)), bytes, LittleEndian);
+    bits = word;
   } else {
-    std::memcpy(bytes, &value, sizeof value);
+    bits = std::bit_cast<std::uint64_t>(value);
+    if (floatFormat_ == HFPFloat) bits = bitsOf(ieeeToHfpDouble(wordsOf(bits)));
   }
-  storeFloatField(bytes, output, size, endian_);
+  storeFieldBits(bits, output, size, endian_);
 }
 
 double DataCnv::HFPToDouble(const unsigned char* source, std::int32_t size) {
   constexpr const char* kFunction = "DataCnv::HFPToDouble";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size);
-  unsigned char bytes[kDoubleSize];
-  loadFloatField(this, kFunction, source, size, endian_, bytes);
-  const Words words =
-      size == kFloatSize ? Words{loadWord(bytes), 0} : loadWords(bytes, LittleEndian);
-  const int digits = size == kFloatSize ? kHfpShortDigits : kHfpLongDigits;
-  const std::uint64_t fraction =
-      size == kFloatSize
-          ? std::uint64_t{words.high & kHfpFractionBits}
-          : (std::uint64_t{words.high & kHfpFractionBits} << kLowWordWidth) | words.low;
-  const int characteristic = static_cast<int>((words.high & kMagnitudeBits) >> 24);
+  const std::uint64_t bits = loadFloatField(this, kFunction, source, size, endian_);
+  const bool isShort = size == kFloatSize;
+  const std::uint32_t high = isShort ? static_cast<std::uint32_t>(bits) : wordsOf(bits).high;
+  const int digits = isShort ? kHfpShortDigits : kHfpLongDigits;
+  const std::uint64_t fraction = isShort ? bits & kHfpFractionBits : bits & (highBit(24) - 1);
+  const int characteristic = static_cast<int>((high & kMagnitudeBits) >> 24);
   // fraction x 16^(characteristic - 64 - digits); a zero fraction is a zero, whatever the
   // characteristic.
   const double magnitude = hfpMagnitude(fraction, 4 * (characteristic - kHfpBias - digits));
-  return trace.result((words.high & kSignBit) != 0 ? -magnitude : magnitude);
+  return trace.result((high & kSignBit) != 0 ? -magnitude : magnitude);
 }
 
 void DataCnv::DoubleToHFP(double value, unsigned char* output, std::int32_t& size) {
@@ -398,25 +382,19 @@ void DataCnv::DoubleToHFP(double value, unsigned char* output, std::int32_t& siz
   if (!std::isfinite(value)) {
     CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kFunction, this, nullptr, "double", value);
   }
-  const int digits = size == kFloatSize ? kHfpShortDigits : kHfpLongDigits;
-  const std::uint32_t sign = std::signbit(value) ? kSignBit : 0;
+  const bool isShort = size == kFloatSize;
+  const int digits = isShort ? kHfpShortDigits : kHfpLongDigits;
   HfpFields fields{0, 0};
   if (value != 0.0) fields = hfpFieldsOf(std::fabs(value), digits);
   if (fields.characteristic > kHfpMaxCharacteristic) {
     CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, kFunction, this, nullptr, "double",
              value);
   }
-  const auto characteristic = static_cast<std::uint32_t>(fields.characteristic) << 24;
-  unsigned char bytes[kDoubleSize];
-  if (size == kFloatSize) {
-    storeWord(sign | characteristic | static_cast<std::uint32_t>(fields.fraction), bytes);
-  } else {
-    storeWords(
-        {sign | characteristic | static_cast<std::uint32_t>(fields.fraction >> kLowWordWidth),
-         static_cast<std::uint32_t>(fields.fraction)},
-        bytes, LittleEndian);
-  }
-  storeFloatField(bytes, output, size, endian_);
+  const std::uint32_t high = (std::signbit(value) ? kSignBit : 0) |
+                             static_cast<std::uint32_t>(fields.characteristic) << 24;
+  // The sign and characteristic lead the word of a short value and the high word of a long one.
+  const std::uint64_t bits = isShort ? high | fields.fraction : bitsOf({high, 0}) | fields.fraction;
+  storeFieldBits(bits, output, size, endian_);
 }
 
 PWFData DataCnv::FltToDec(const unsigned char* source, std::int32_t size, std::int32_t scale) {

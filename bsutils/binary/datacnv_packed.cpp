@@ -5,13 +5,14 @@
 #include <bsutils/cpalloc.h>
 #include <bsutils/cputils.h>
 #include <bsutils/dataconv.h>
-#include <zan/zanlog.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
@@ -72,18 +73,17 @@ unsigned char tlogDecimalNibble(char16_t unit) {
   return unit == u'-' ? kNegativeNibble : static_cast<unsigned char>(unit - u'0');
 }
 
-// The integer value of a valid packed field of at most 10 bytes (19 digits) with a scale from 0 to
-// 18, read straight from the bytes: the digits truncated by the scale, negative for a D sign. False
-// for anything the general path must judge (a bad nibble, a sign the style refuses, a magnitude
-// beyond 63 bits, debug trace on, which the general path writes): the result is then the general
-// path's, failure included.
-bool readPackedInteger(const unsigned char* source, std::int32_t size, EEndian endian,
-                       std::int32_t scale, DataCnv::ESign sign, std::int64_t& value) {
-  constexpr std::int32_t kLongestField = 10;
-  constexpr std::int32_t kLongestScale = 18;
-  if (source == nullptr || size < 1 || size > kLongestField || scale < 0 || scale > kLongestScale ||
-      ZanLog::isDebugTraceActive()) {
-    return false;
+// The digits of a valid packed field of at most 16 bytes (31 digits, the most a COBOL field has),
+// read straight from its bytes and handed to `digit` most significant first; true when the sign is
+// D, the only one that reads as negative. Empty for anything the general path must judge (a bad
+// nibble, a sign the style refuses, a longer field, fast paths closed): the caller's result is then
+// the general path's, failure included.
+template <class Digit>
+std::optional<bool> scanPackedField(const unsigned char* source, std::int32_t size, EEndian endian,
+                                    DataCnv::ESign sign, Digit&& digit) {
+  constexpr std::int32_t kLongestQuickField = 16;
+  if (source == nullptr || size < 1 || size > kLongestQuickField || !fastPathsOpen()) {
+    return std::nullopt;
   }
   // Byte k counts from the most significant: the sign byte is the last of a big-endian field and
   // the first of a little-endian one.
@@ -91,24 +91,41 @@ bool readPackedInteger(const unsigned char* source, std::int32_t size, EEndian e
     return source[endian == LittleEndian ? size - 1 - k : k];
   };
   const unsigned char signNibble = byteAt(size - 1) & 0x0F;
-  if (signNibble <= kLastDigit) return false;
+  if (signNibble <= kLastDigit) return std::nullopt;
   const bool negative = signNibble == kNegativeNibble;
-  if ((negative || signNibble == kAlternateNegativeNibble) && sign != kSignedField) return false;
-  std::uint64_t magnitude = 0;
+  if ((negative || signNibble == kAlternateNegativeNibble) && sign != kSignedField) {
+    return std::nullopt;
+  }
   for (std::int32_t k = 0; k < size; ++k) {
     const unsigned char byte = byteAt(k);
     const unsigned left = byte >> 4;
     const unsigned right = byte & 0x0F;
-    if (left > kLastDigit) return false;
-    magnitude = magnitude * 10 + left;
+    if (left > kLastDigit) return std::nullopt;
+    digit(left);
     if (k + 1 < size) {
-      if (right > kLastDigit) return false;
-      magnitude = magnitude * 10 + right;
+      if (right > kLastDigit) return std::nullopt;
+      digit(right);
     }
   }
+  return negative;
+}
+
+// The integer value of a valid packed field of at most 10 bytes (19 digits) with a scale from 0 to
+// 18: the digits truncated by the scale. False where scanPackedField gives nothing, and for a
+// magnitude beyond 63 bits. (A flag and an output rather than an optional: the optional's return
+// through memory stalls the caller longer than the read takes.)
+bool readPackedInteger(const unsigned char* source, std::int32_t size, EEndian endian,
+                       std::int32_t scale, DataCnv::ESign sign, std::int64_t& value) {
+  constexpr std::int32_t kLongestField = 10;
+  constexpr std::int32_t kLongestScale = 18;
+  if (size > kLongestField || scale < 0 || scale > kLongestScale) return false;
+  std::uint64_t magnitude = 0;
+  const auto negative = scanPackedField(
+      source, size, endian, sign, [&](unsigned digit) { magnitude = magnitude * 10 + digit; });
+  if (!negative) return false;
   for (std::int32_t s = 0; s < scale; ++s) magnitude /= 10;
   if (magnitude > static_cast<std::uint64_t>(INT64_MAX)) return false;
-  value = negative ? -static_cast<std::int64_t>(magnitude) : static_cast<std::int64_t>(magnitude);
+  value = *negative ? -static_cast<std::int64_t>(magnitude) : static_cast<std::int64_t>(magnitude);
   return true;
 }
 
@@ -297,10 +314,60 @@ void DataCnv::packDecimalText(const char* function, ZanStringBase text, unsigned
   for (; k < size; ++k) byteAt(k) = 0;
 }
 
+bool DataCnv::packInteger(std::int64_t value, unsigned char* output, std::int32_t size,
+                          EEndian endian, std::int32_t scale, ESign sign) {
+  constexpr std::int32_t kLongestScale = 18;
+  if (output == nullptr || size < 1 || scale < -kLongestScale || scale > kLongestScale ||
+      !fastPathsOpen()) {
+    return false;
+  }
+  const bool negative = value < 0;
+  std::uint64_t magnitude = magnitudeOf(value);
+  // The digits times ten to the scale, the fraction truncated; beyond 64 bits is the general
+  // path's to refuse.
+  for (std::int32_t s = 0; s < -scale; ++s) magnitude /= 10;
+  for (std::int32_t s = 0; s < scale; ++s) {
+    if (magnitude > std::numeric_limits<std::uint64_t>::max() / 10) return false;
+    magnitude *= 10;
+  }
+  if (negative && sign == eNoSign && magnitude != 0) return false;
+  std::int32_t digits = 1;
+  for (std::uint64_t rest = magnitude / 10; rest != 0; rest /= 10) ++digits;
+  if (digits / 2 + 1 > size) return false;
+  char signNibble = 0;
+  GetPackedDecimalSign(sign == eNoSign ? 0 : 1, negative ? 1 : 0, &signNibble);
+  // Byte k counts from the sign byte, as packDecimalText writes them.
+  const auto byteAt = [&](std::int32_t k) -> unsigned char& {
+    return output[endian == LittleEndian ? k : size - 1 - k];
+  };
+  byteAt(0) = static_cast<unsigned char>((magnitude % 10) << 4 | signNibble);
+  magnitude /= 10;
+  for (std::int32_t k = 1; k < size; ++k) {
+    const auto right = static_cast<unsigned>(magnitude % 10);
+    const auto left = static_cast<unsigned>(magnitude / 10 % 10);
+    magnitude /= 100;
+    byteAt(k) = static_cast<unsigned char>(left << 4 | right);
+  }
+  return true;
+}
+
 PWFData DataCnv::PckdDecToDec(const unsigned char* source, std::int32_t size, EEndian endian,
                               std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecToDec";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, endian, scale, sign);
+  // Every digit but the sign's place, leading zeros included, as the general path gives them.
+  if (scale >= 0 && scale <= kMaxStackScale) {
+    char16_t digits[2 * kLocalFieldBytes];
+    std::int32_t count = 0;
+    const auto negative = scanPackedField(source, size, endian, sign, [&](unsigned digit) {
+      digits[count++] = static_cast<char16_t>(u'0' + digit);
+    });
+    if (negative) {
+      char16_t text[2 * kLocalFieldBytes + kMaxStackScale + 4];
+      placePoint(digits, count, scale, *negative, text);
+      return PWFData(text, eDecimal);
+    }
+  }
   const ZanStringBase text = packedDecimalText(kFunction, source, size, endian, scale, sign);
   return PWFData(text.terminatedData(), eDecimal);
 }
@@ -369,6 +436,7 @@ void DataCnv::PckdDecFromInt32(std::int32_t value, unsigned char* output, std::i
                                EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromInt32";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
+  if (packInteger(value, output, size, endian, scale, sign)) return;
   requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   Int64ToUString(value, text);
@@ -379,6 +447,7 @@ void DataCnv::PckdDecFromPWFInt64(std::int64_t value, unsigned char* output, std
                                   EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromPWFInt64";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
+  if (packInteger(value, output, size, endian, scale, sign)) return;
   requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   Int64ToUString(value, text);

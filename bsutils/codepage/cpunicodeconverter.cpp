@@ -85,6 +85,9 @@ CPUnicodeConverter::CPUnicodeConverter(std::int32_t ccsid, EEndian endian)
     }
     CP_RAISE(QZR2130, kModule, kFunction, nullptr, nullptr, ccsid, name_);
   }
+  // Fixed for the converter's life, and asked for by every zoned field and text read.
+  minBytesPerChar_ = ucnv_getMinCharSize(converter_.get());
+  maxBytesPerChar_ = ucnv_getMaxCharSize(converter_.get());
 }
 
 void CPUnicodeConverter::fromUnicodeToLocal(char* target, int* targetLength, const char16_t* source,
@@ -159,14 +162,6 @@ void CPUnicodeConverter::fromUnicodeString(char* target, std::int32_t& length,
   // A whole-text conversion that stops early (a full target) leaves the rest of its last character
   // pending in ICU, which would write it first into the next text.
   if (U_FAILURE(status)) ucnv_resetFromUnicode(converter_.get());
-}
-
-signed char CPUnicodeConverter::getMaxBytesPerChar() const {
-  return ucnv_getMaxCharSize(converter_.get());
-}
-
-signed char CPUnicodeConverter::getMinBytesPerChar() const {
-  return ucnv_getMinCharSize(converter_.get());
 }
 
 const char* CPUnicodeConverter::getName(UErrorCode& status) const {

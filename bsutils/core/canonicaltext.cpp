@@ -1,6 +1,6 @@
 #include "core/canonicaltext.h"
 
-#include <iterator>
+#include <algorithm>
 
 namespace bsutils::internal {
 
@@ -11,19 +11,42 @@ constexpr char16_t kZero = u'0';
 
 }  // namespace
 
-ZanStringBase integerText(std::int64_t value) {
-  // Signed division leaves negative remainders for a negative value, so the smallest value is
-  // rendered without ever being negated.
-  char16_t units[20];  // 19 digits and a sign
-  std::int32_t start = static_cast<std::int32_t>(std::size(units));
-  std::int64_t rest = value;
+std::int32_t decimalDigits(std::uint64_t magnitude, char16_t* digits) {
+  char16_t reversed[kMaxIntegerDigits];
+  std::int32_t count = 0;
   do {
-    const auto remainder = static_cast<std::int32_t>(rest % 10);
-    units[--start] = static_cast<char16_t>(u'0' + (remainder < 0 ? -remainder : remainder));
-    rest /= 10;
-  } while (rest != 0);
-  if (value < 0) units[--start] = u'-';
-  return ZanStringBase(units + start, static_cast<std::int32_t>(std::size(units)) - start);
+    reversed[count++] = static_cast<char16_t>(u'0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  for (std::int32_t i = 0; i < count; ++i) digits[i] = reversed[count - 1 - i];
+  return count;
+}
+
+ZanStringBase integerText(std::int64_t value) {
+  char16_t digits[kMaxIntegerDigits];
+  const std::int32_t count = decimalDigits(magnitudeOf(value), digits);
+  char16_t text[kMaxIntegerDigits + 2];
+  return ZanStringBase(text, placePoint(digits, count, 0, value < 0, text));
+}
+
+std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t scale,
+                        bool negative, char16_t* text) {
+  char16_t* end = text;
+  if (negative) *end++ = u'-';
+  if (scale == 0) {
+    end = std::copy_n(digits, count, end);
+  } else if (scale < count) {
+    end = std::copy_n(digits, count - scale, end);
+    *end++ = kPoint;
+    end = std::copy_n(digits + count - scale, scale, end);
+  } else {
+    *end++ = kZero;
+    *end++ = kPoint;
+    end = std::fill_n(end, scale - count, kZero);
+    end = std::copy_n(digits, count, end);
+  }
+  *end = u'\0';
+  return static_cast<std::int32_t>(end - text);
 }
 
 void trimNonSignificantZeros(ZanStringBase& text) {

@@ -11,6 +11,25 @@
 
 namespace bsutils::internal {
 
+// The most digits an unsigned 64-bit magnitude has.
+inline constexpr std::int32_t kMaxIntegerDigits = 20;
+
+// |value|, negated as unsigned so that the smallest value has one too.
+inline std::uint64_t magnitudeOf(std::int64_t value) {
+  return value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+}
+
+// The digits of `magnitude`, without leading zeros ("0" for zero), written to `digits` (room for
+// kMaxIntegerDigits); returns their count.
+std::int32_t decimalDigits(std::uint64_t magnitude, char16_t* digits);
+
+// The decimal text that the readers of scaled fields give: `count` digits as they stand, leading
+// zeros included, with a point `scale` places (0 or more) from the right and "-" in front when
+// `negative`: ("12345", 2) -> "123.45", ("5", 3) -> "0.005", ("007", 0) -> "007". `text` needs room
+// for count + scale + 4 units; it is NUL-terminated and its length (without the NUL) returned.
+std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t scale,
+                        bool negative, char16_t* text);
+
 // The shortest decimal text, "-" before a negative value: -42 -> "-42", INT64_MIN ->
 // "-9223372036854775808".
 ZanStringBase integerText(std::int64_t value);

@@ -19,32 +19,46 @@ class CpDebugTrace {
   template <class... Arguments>
   explicit CpDebugTrace(const char* function, const Arguments&... arguments)
       : function_(ZanLog::isDebugTraceActive() ? function : nullptr) {
-    if (function_ == nullptr) return;
-    if constexpr (sizeof...(Arguments) == 0) {
-      ZanLog::writeDebugEntry(function_);
-    } else {
-      ZanLog::FastDebugEntryItem entry(function_);
-      ((entry << arguments), ...) << ZanLog::FastItem::MagicInsert;
-    }
+    if (function_ != nullptr) [[unlikely]]
+      writeEntry(function_, arguments...);
   }
 
   CpDebugTrace(const CpDebugTrace&) = delete;
   CpDebugTrace& operator=(const CpDebugTrace&) = delete;
 
   ~CpDebugTrace() {
-    if (function_ != nullptr) ZanLog::writeDebugExit(function_);
+    if (function_ != nullptr) [[unlikely]]
+      ZanLog::writeDebugExit(function_);
   }
 
   template <class Result>
   const Result& result(const Result& value) {
-    if (function_ != nullptr) {
-      ZanLog::FastDebugExitItem(function_) << value << ZanLog::FastItem::MagicInsert;
+    if (function_ != nullptr) [[unlikely]] {
+      writeExit(function_, value);
       function_ = nullptr;
     }
     return value;
   }
 
  private:
+  // Out of line and cold, so that a conversion with trace off keeps a small frame and its fast
+  // path stays in one piece.
+  template <class... Arguments>
+  [[gnu::noinline, gnu::cold]] static void writeEntry(const char* function,
+                                                      const Arguments&... arguments) {
+    if constexpr (sizeof...(Arguments) == 0) {
+      ZanLog::writeDebugEntry(function);
+    } else {
+      ZanLog::FastDebugEntryItem entry(function);
+      ((entry << arguments), ...) << ZanLog::FastItem::MagicInsert;
+    }
+  }
+
+  template <class Result>
+  [[gnu::noinline, gnu::cold]] static void writeExit(const char* function, const Result& value) {
+    ZanLog::FastDebugExitItem(function) << value << ZanLog::FastItem::MagicInsert;
+  }
+
   const char* function_;  // null when debug trace was off at entry, or the exit is written
 };
 

@@ -31,9 +31,12 @@ struct CpRaiseSite {
 [[noreturn]] void cpRaiseRendered(const CpRaiseSite& site, CpCode code, const char* traceText,
                                   const std::vector<std::string>& inserts);
 
+// Out of line and cold: rendering the inserts stays out of the conversions that raise, whose
+// successful path keeps a small frame.
 template <class... Inserts>
-[[noreturn]] void cpRaise(const CpRaiseSite& site, CpCode code, const char* traceText,
-                          const Inserts&... inserts) {
+[[noreturn, gnu::noinline, gnu::cold]] void cpRaise(const CpRaiseSite& site, CpCode code,
+                                                    const char* traceText,
+                                                    const Inserts&... inserts) {
   cpRaiseRendered(site, code, traceText, {zanInsertText(inserts)...});
 }
 

@@ -183,14 +183,11 @@ void PWFData::init(const void* data, std::int32_t length, ELogicalType type, EOw
     case eString:
     case eDecimal: {
       const auto* units = static_cast<const char16_t*>(data);
-      if (length == -1) {
-        text_ = ZanStringBase(units);
-      } else if (length < 0) {
+      if (length < -1) {
         CP_RAISE(CP_INTERNAL_PWFDATA_INVALID_OPERATION, kModule, kInit, nullptr, nullptr,
                  "Invalid length for a string");
-      } else {
-        text_ = ZanStringBase(units, length / 2);
       }
+      text_.assign(units, length == -1 ? -1 : length / 2);
       break;
     }
     case eInteger:

@@ -81,13 +81,15 @@ class BSUTILS_EXPORT CPUnicodeConverter : public CPBaseUnicodeConverter {
   void fromUnicodeString(char* target, std::int32_t& length, const ZanStringBase& source,
                          UErrorCode& status) const;
 
-  signed char getMaxBytesPerChar() const;
-  signed char getMinBytesPerChar() const;
+  signed char getMaxBytesPerChar() const { return maxBytesPerChar_; }
+  signed char getMinBytesPerChar() const { return minBytesPerChar_; }
   const char* getName(UErrorCode& status) const;
   UConverterType getType();
 
  private:
   std::shared_ptr<UConverter> converter_;
+  signed char minBytesPerChar_ = 0;
+  signed char maxBytesPerChar_ = 0;
 };
 
 #endif  // BSUTILS_CPUNICODECONVERTER_H

@@ -940,6 +940,10 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   // The writers' body: packs decimal `text` into `size` bytes of `output` (checked by the caller).
   void packDecimalText(const char* function, ZanStringBase text, unsigned char* output,
                        std::int32_t size, EEndian endian, std::int32_t scale, ESign sign);
+  // The integer writers' fast path: packs `value` straight from its digits when it fits, and
+  // returns false, writing nothing, for anything packDecimalText must judge or trace.
+  bool packInteger(std::int64_t value, unsigned char* output, std::int32_t size, EEndian endian,
+                   std::int32_t scale, ESign sign);
   // The TLOG writers' checks of the size and the value, and the text of a string, decimal or
   // integer value; `kind` and `valueKind` are the inserts of the too-long failure.
   ZanStringBase tlogFieldText(const char* function, const char* kind, const char* valueKind,

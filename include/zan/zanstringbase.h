@@ -43,6 +43,9 @@ class ZanStringBase {
   // True when both strings hold the very same storage (a copy that has not been written since).
   bool sharesStorageWith(const ZanStringBase& other) const;
 
+  // Replaces the text with `length` units of `text`, as the constructor of the same arguments
+  // builds it, but in the storage the string already has.
+  ZanStringBase& assign(const char16_t* text, std::int32_t length);
   ZanStringBase& append(const ZanStringBase& text);
   ZanStringBase& append(char16_t unit);
   ZanStringBase& append(const char16_t* units, std::int32_t count);

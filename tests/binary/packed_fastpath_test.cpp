@@ -1,15 +1,13 @@
-// The packed integer readers read valid fields straight from their bytes and leave everything else
-// to the general path, which also runs whenever debug trace is on. With debug trace on, then, the
-// general path answers alone; these tests hold the two to the same answer, value or failure, over
-// every 2-byte field and a seeded set of long ones.
+// The packed readers read valid fields straight from their bytes, and the integer writers pack
+// straight from the value, leaving everything else to the general path, which also runs whenever
+// debug trace is on. With debug trace on, then, the general path answers alone; these tests hold
+// the two to the same answer, value, bytes or failure, over every 2-byte field, every 3-byte one,
+// and seeded sets of long fields and of values.
 
 #include <bsutils/dataconv.h>
 #include <gtest/gtest.h>
-#include <zan/zanexception.h>
-#include <zan/zanlog.h>
 
 #include <cstdint>
-#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -17,23 +15,6 @@
 #include "support/outcome.h"
 
 namespace {
-
-// Debug trace on, its records dropped: the readers take their general path.
-class GeneralPathOnly {
- public:
-  GeneralPathOnly() : filter_(ZanLog::iEffectiveLogFilter.load()) {
-    sink_ = ZanLog::setSink([](const ZanLog::Record&) {});
-    ZanLog::iEffectiveLogFilter = ZanLog::kDebugLevel;
-  }
-  ~GeneralPathOnly() {
-    ZanLog::iEffectiveLogFilter = filter_;
-    ZanLog::setSink(sink_);
-  }
-
- private:
-  int filter_;
-  ZanLog::Sink sink_;
-};
 
 struct Reading {
   EEndian endian;
@@ -58,14 +39,19 @@ void expectSameOutcomes(const std::vector<unsigned char>& field, const Reading& 
   const auto read64 = [&] {
     return cnv.PckdDecToPWFInt64(field.data(), size, reading.endian, reading.scale, reading.sign);
   };
-  const auto read32 = [&]() -> std::int64_t {
+  const auto read32 = [&] {
     return cnv.PckdDecToInt32(field.data(), size, reading.endian, reading.scale, reading.sign);
+  };
+  const auto readText = [&] {
+    return cnv.PckdDecToDec(field.data(), size, reading.endian, reading.scale, reading.sign);
   };
   const Outcome fast64 = outcomeOf(read64);
   const Outcome fast32 = outcomeOf(read32);
+  const Outcome fastText = outcomeOf(readText);
   GeneralPathOnly general;
   ASSERT_EQ(fast64, outcomeOf(read64));
   ASSERT_EQ(fast32, outcomeOf(read32));
+  ASSERT_EQ(fastText, outcomeOf(readText));
 }
 
 TEST(PackedFastPath, EveryTwoByteFieldReadsAsTheGeneralPathReadsIt) {
@@ -78,6 +64,21 @@ TEST(PackedFastPath, EveryTwoByteFieldReadsAsTheGeneralPathReadsIt) {
       SCOPED_TRACE(bytes);
       expectSameOutcomes(
           {static_cast<unsigned char>(bytes >> 8), static_cast<unsigned char>(bytes)}, reading);
+    }
+  }
+}
+
+TEST(PackedFastPath, EveryByteOfAThreeByteFieldReadsAsTheGeneralPathReadsIt) {
+  // Each byte position takes every value while the others hold valid digits and a sign.
+  const std::vector<unsigned char> valid = {0x12, 0x34, 0x5D};
+  for (const Reading& reading : kReadings) {
+    for (std::size_t position = 0; position < valid.size(); ++position) {
+      for (std::uint32_t byte = 0; byte < 0x100; ++byte) {
+        std::vector<unsigned char> field = valid;
+        field[position] = static_cast<unsigned char>(byte);
+        SCOPED_TRACE(testing::Message() << "position " << position << ", byte " << byte);
+        expectSameOutcomes(field, reading);
+      }
     }
   }
 }
@@ -95,6 +96,68 @@ TEST(PackedFastPath, LongFieldsReadAsTheGeneralPathReadsThem) {
     field.back() = static_cast<unsigned char>((field.back() & 0xF0) | (random() % 16));
     SCOPED_TRACE(n);
     expectSameOutcomes(field, kReadings[random() % std::size(kReadings)]);
+  }
+}
+
+struct Writing {
+  std::int32_t size;
+  EEndian endian;
+  std::int32_t scale;
+  DataCnv::ESign sign;
+};
+
+void expectSameBytes(std::int64_t value, const Writing& writing) {
+  DataCnv cnv;
+  const auto write64 = [&] {
+    std::vector<unsigned char> field(static_cast<std::size_t>(writing.size), 0xEE);
+    std::int32_t size = writing.size;
+    cnv.PckdDecFromPWFInt64(value, field.data(), size, writing.endian, writing.scale, writing.sign);
+    return field;
+  };
+  const Outcome fast64 = outcomeOf(write64);
+  if (value >= INT32_MIN && value <= INT32_MAX) {
+    const auto write32 = [&] {
+      std::vector<unsigned char> field(static_cast<std::size_t>(writing.size), 0xEE);
+      std::int32_t size = writing.size;
+      cnv.PckdDecFromInt32(static_cast<std::int32_t>(value), field.data(), size, writing.endian,
+                           writing.scale, writing.sign);
+      return field;
+    };
+    const Outcome fast32 = outcomeOf(write32);
+    GeneralPathOnly general;
+    ASSERT_EQ(fast32, outcomeOf(write32));
+  }
+  GeneralPathOnly general;
+  ASSERT_EQ(fast64, outcomeOf(write64));
+}
+
+TEST(PackedFastPath, IntegersPackAsTheGeneralPathPacksThem) {
+  // Small values in every small field, then values of every magnitude up to the extremes, with
+  // scales either way inside and outside the fast path's, into fields that fit and fields that
+  // do not.
+  const Writing small[] = {{1, BigEndian, 0, DataCnv::eLeadingEmbeddedSign},
+                           {2, LittleEndian, 0, DataCnv::eNoSign},
+                           {2, BigEndian, 1, DataCnv::eLeadingEmbeddedSign},
+                           {2, BigEndian, -1, DataCnv::eNoSign}};
+  for (const Writing& writing : small) {
+    for (std::int64_t value = -1200; value <= 1200; ++value) {
+      SCOPED_TRACE(testing::Message() << "size " << writing.size << ", value " << value);
+      expectSameBytes(value, writing);
+    }
+  }
+  std::mt19937_64 random(20261125);
+  const std::int32_t scales[] = {0, 0, 2, -3, 18, -18, 19, -25};
+  for (int n = 0; n < 6000; ++n) {
+    const std::int64_t value = n % 500 == 0 ? INT64_MIN + n % 3
+                               : n % 500 == 1
+                                   ? INT64_MAX - n % 3
+                                   : static_cast<std::int64_t>(random()) >> random() % 64;
+    const Writing writing{static_cast<std::int32_t>(random() % 12),
+                          random() % 2 ? BigEndian : LittleEndian,
+                          scales[random() % std::size(scales)],
+                          random() % 3 ? DataCnv::eLeadingEmbeddedSign : DataCnv::eNoSign};
+    SCOPED_TRACE(testing::Message() << "n " << n << ", value " << value);
+    expectSameBytes(value, writing);
   }
 }
 

@@ -73,4 +73,46 @@ TEST(ZonedFastPath, LongFieldsReadAsTheirText) {
   }
 }
 
+// The decimal reader builds its text on the stack for the usual scales; with debug trace on it
+// goes through the text path alone.
+void expectSameDecimals(const std::vector<unsigned char>& field, const Convention& convention,
+                        std::int32_t scale) {
+  DataCnv cnv(convention.ccsid);
+  const auto read = [&] {
+    return cnv.ExtDecToDec(field.data(), static_cast<std::int32_t>(field.size()), scale,
+                           convention.sign, DataCnv::eRightJustified, u'0', true, false, nullptr,
+                           nullptr);
+  };
+  const Outcome fast = outcomeOf(read);
+  GeneralPathOnly general;
+  ASSERT_EQ(fast, outcomeOf(read));
+}
+
+TEST(ZonedFastPath, DecimalsReadAsTheGeneralPathReadsThem) {
+  const std::int32_t scales[] = {0, 1, 2, 3, 40, 41, -2};
+  for (const Convention& convention : kConventions) {
+    for (const std::int32_t scale : scales) {
+      SCOPED_TRACE(testing::Message() << "ccsid " << convention.ccsid << ", sign "
+                                      << convention.sign << ", scale " << scale);
+      for (std::uint32_t bytes = 0; bytes < 0x10000; bytes += scale == 0 ? 1 : 7) {
+        SCOPED_TRACE(bytes);
+        expectSameDecimals(
+            {static_cast<unsigned char>(bytes >> 8), static_cast<unsigned char>(bytes)}, convention,
+            scale);
+      }
+    }
+  }
+  std::mt19937 random(20261126);
+  for (int n = 0; n < 3000; ++n) {
+    const Convention& convention = kConventions[random() % std::size(kConventions)];
+    const unsigned char zone = convention.ccsid == 37 ? 0xF0 : 0x30;
+    std::vector<unsigned char> field(1 + random() % 70);
+    for (auto& byte : field)
+      byte = static_cast<unsigned char>(zone | (random() % 3 ? 0 : random() % 10));
+    if (random() % 20 == 0) field[random() % field.size()] = static_cast<unsigned char>(random());
+    SCOPED_TRACE(n);
+    expectSameDecimals(field, convention, scales[random() % std::size(scales)]);
+  }
+}
+
 }  // namespace

@@ -2,29 +2,50 @@
 #define BSUTILS_TESTS_OUTCOME_H
 
 // What a call gave, its value or its failure as a caller sees it, so that two ways of reading the
-// same field can be held to the same answer.
+// same field can be held to the same answer; and a switch that sends the conversions down their
+// general path, which they take whenever debug trace is on.
 
+#include <bsutils/pwfdata.h>
 #include <zan/zanexception.h>
+#include <zan/zanlog.h>
 
 #include <cstdint>
-#include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
-// What a call gave: its value, or its failure as the caller sees it.
+// What a call gave: its value as text, or its failure as the caller sees it.
 struct Outcome {
   bool failed = false;
-  std::int64_t value = 0;
+  std::string value;
   std::int32_t messageNumber = 0;
   std::string traceText;
   std::vector<std::string> inserts;
   bool operator==(const Outcome&) const = default;
 };
 
-inline Outcome outcomeOf(const std::function<std::int64_t()>& call) {
+inline std::string outcomeText(const PWFData& value) {
+  return std::to_string(value.getDataLogicalType()) + ":" + value.getDecimalText().toUtf8();
+}
+inline std::string outcomeText(const std::vector<unsigned char>& bytes) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string text;
+  for (const unsigned char byte : bytes) {
+    text += kHex[byte >> 4];
+    text += kHex[byte & 0x0F];
+  }
+  return text;
+}
+template <class Number>
+requires std::is_arithmetic_v<Number> std::string outcomeText(Number value) {
+  return std::to_string(value);
+}
+
+template <class Call>
+Outcome outcomeOf(const Call& call) {
   Outcome outcome;
   try {
-    outcome.value = call();
+    outcome.value = outcomeText(call());
   } catch (const ZanException& failure) {
     outcome.failed = true;
     outcome.messageNumber = failure.messageNumber();
@@ -33,5 +54,24 @@ inline Outcome outcomeOf(const std::function<std::int64_t()>& call) {
   }
   return outcome;
 }
+
+// Debug trace on, its records dropped: while one lives, the conversions take their general path.
+class GeneralPathOnly {
+ public:
+  GeneralPathOnly() : filter_(ZanLog::iEffectiveLogFilter.load()) {
+    sink_ = ZanLog::setSink([](const ZanLog::Record&) {});
+    ZanLog::iEffectiveLogFilter = ZanLog::kDebugLevel;
+  }
+  ~GeneralPathOnly() {
+    ZanLog::iEffectiveLogFilter = filter_;
+    ZanLog::setSink(sink_);
+  }
+  GeneralPathOnly(const GeneralPathOnly&) = delete;
+  GeneralPathOnly& operator=(const GeneralPathOnly&) = delete;
+
+ private:
+  int filter_;
+  ZanLog::Sink sink_;
+};
 
 #endif  // BSUTILS_TESTS_OUTCOME_H
