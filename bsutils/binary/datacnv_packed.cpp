@@ -238,54 +238,21 @@ ZanStringBase DataCnv::packedDecimalText(const char* function, const unsigned ch
   return text;
 }
 
-void DataCnv::packDecimalText(const char* function, ZanStringBase text, unsigned char* output,
-                              std::int32_t size, EEndian endian, std::int32_t scale, ESign sign) {
-  const ZanStringBase decimal = text;  // as given, for the failures
-  TrimData(text, eTrimWhiteSpace, eLeftJustified, u'0', true);
-  const bool negative =
-      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
-
-  // Only digits and one point can be packed, and at least one digit is needed; a grouping comma
-  // has no nibble.
-  bool seenPoint = false;
-  bool seenDigit = false;
-  bool nonZero = false;
-  bool packable = true;
-  for (std::int32_t i = 0; i < text.length() && packable; ++i) {
-    const char16_t unit = text[i];
-    if (unit == u'.' && !seenPoint) {
-      seenPoint = true;
-    } else if (unit >= u'0' && unit <= u'9') {
-      seenDigit = true;
-      nonZero = nonZero || unit != u'0';
-    } else {
-      packable = false;
-    }
-  }
-  if (!packable || !seenDigit) {
-    CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, function, this, nullptr, "decimal",
-             decimal);
-  }
-
-  // The digits of the magnitude times ten to the scale, the fraction truncated, without leading
-  // zeros. A scale that moves every digit out of the integer part leaves zero; one that moves a
-  // non-zero digit beyond any field's reach is too long without building its text.
-  const std::int64_t shift = scale;
-  const std::int64_t units = text.length();
-  if (!nonZero || shift <= -units) {
-    text.clear();
-  } else if (shift >= units + 2 * static_cast<std::int64_t>(size)) {
+void DataCnv::packDecimalText(const char* function, const ZanStringBase& decimal,
+                              unsigned char* output, std::int32_t size, EEndian endian,
+                              std::int32_t scale, ESign sign) {
+  bool negative = false;
+  const std::optional<ZanStringBase> digitsOfValue =
+      scaledFieldDigits(function, decimal, scale, 2 * static_cast<std::int64_t>(size), negative);
+  if (!digitsOfValue) {
     CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, function, this, nullptr, kPackedKind,
              "decimal", size);
-  } else {
-    adjustDecimalForString(text, -scale);
-    TrimFromDecimal(text);
-    TrimData(text, eTrimPadding, eRightJustified, u'0', true);
   }
-  const bool zero = text.isEmpty();
-  if (zero) text.append(u'0');
+  const ZanStringBase& text = *digitsOfValue;
+  const bool zero = text.length() == 1 && text[0] == u'0';
 
-  // A negative value has no place in an unsigned field; a zero has no sign to lose.
+  // A negative value has no place in an unsigned field; a zero has no sign to lose, but keeps the
+  // one it was written with.
   if (negative && sign == eNoSign && !zero) {
     CP_RAISE(CP_CONV_INPUT_DATA_OUT_OF_BOUNDS, kDataCnvModule, function, this, nullptr, "decimal",
              "packed decimal (no sign)");

@@ -551,50 +551,17 @@ PWFData DataCnv::ExtDecToDec(const unsigned char* source, std::int32_t size, std
 
 // --- writing ---
 
-ZanStringBase DataCnv::zonedDigitsOf(ZanStringBase text, std::int32_t scale, std::int32_t size,
-                                     bool& negative) {
-  const ZanStringBase decimal = text;  // as given, for the failures
-  TrimData(text, eTrimWhiteSpace, eLeftJustified, u'0', true);
-  negative =
-      CheckSign(text, eLeadingSeparateSign, US_MINUS.terminatedData(), US_PLUS.terminatedData());
-
-  // Digits and one point; a grouping comma has no place in a field of digits.
-  bool seenPoint = false;
-  bool nonZero = false;
-  for (std::int32_t i = 0; i < text.length(); ++i) {
-    const char16_t unit = text[i];
-    if (unit == u'.' && !seenPoint) {
-      seenPoint = true;
-    } else if (isDigitUnit(unit)) {
-      nonZero = nonZero || unit != u'0';
-    } else {
-      CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kUStringToExtDec, this, nullptr,
-               "decimal", decimal);
-    }
-  }
-
-  // The magnitude times ten to the scale, the fraction truncated, without leading zeros. A scale
-  // that moves every digit behind the point leaves zero; one that moves a digit beyond the field
-  // is too long before its text is built (the first digit stands at most `units` places behind
-  // the point).
-  const std::int64_t shift = scale;
-  const std::int64_t units = text.length();
-  if (!nonZero || shift <= -units) {
-    text.clear();
-  } else if (shift >= units + size) {
+ZanStringBase DataCnv::zonedDigitsOf(const ZanStringBase& decimal, std::int32_t scale,
+                                     std::int32_t size, bool& negative) {
+  std::optional<ZanStringBase> digits =
+      scaledFieldDigits(kUStringToExtDec, decimal, scale, size, negative);
+  if (!digits) {
     CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kUStringToExtDec, this, nullptr,
              kZonedKind, "string");
-  } else {
-    adjustDecimalForString(text, -scale);
-    TrimFromDecimal(text);
-    TrimData(text, eTrimPadding, eRightJustified, u'0', true);
   }
   // Zero is written as one digit and has no sign.
-  if (text.isEmpty()) {
-    text.append(u'0');
-    negative = false;
-  }
-  return text;
+  if (digits->length() == 1 && (*digits)[0] == u'0') negative = false;
+  return *std::move(digits);
 }
 
 void DataCnv::zonedFieldFromText(const ZanStringBase& digits, bool negative, std::int32_t size,
@@ -693,7 +660,7 @@ void DataCnv::UStringToExtDec(ZanStringBase text, unsigned char* output, std::in
   checkZonedOutput(this, kUStringToExtDec, output, size);
   checkZonedForm(kUStringToExtDec, sign, justification, positiveSigns, negativeSigns);
   bool negative = false;
-  const ZanStringBase digits = zonedDigitsOf(std::move(text), scale, size, negative);
+  const ZanStringBase digits = zonedDigitsOf(text, scale, size, negative);
   writeZonedField(digits, negative, output, size, sign, justification, padCharacter, padIsUnicode,
                   customSignEBCDIC, positiveSigns, negativeSigns);
 }

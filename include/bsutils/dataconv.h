@@ -938,8 +938,16 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                                   std::int32_t size, EEndian endian, std::int32_t scale,
                                   ESign sign);
   // The writers' body: packs decimal `text` into `size` bytes of `output` (checked by the caller).
-  void packDecimalText(const char* function, ZanStringBase text, unsigned char* output,
+  void packDecimalText(const char* function, const ZanStringBase& text, unsigned char* output,
                        std::int32_t size, EEndian endian, std::int32_t scale, ESign sign);
+  // The packed and zoned writers' reading of decimal text (white space about it, an optional sign,
+  // ASCII digits with at most one point; anything else, no digit included, is
+  // CP_CONV_INPUT_DATA_INVALID under `function`): the magnitude times ten to `scale`, the fraction
+  // truncated, as digits without leading zeros ("0" for zero, whose sign is still reported).
+  // Nothing when a non-zero digit would stand `reach` places or more beyond the text's own.
+  std::optional<ZanStringBase> scaledFieldDigits(const char* function, const ZanStringBase& text,
+                                                 std::int32_t scale, std::int64_t reach,
+                                                 bool& negative);
   // The integer writers' fast path: packs `value` straight from its digits when it fits, and
   // returns false, writing nothing, for anything packDecimalText must judge or trace.
   bool packInteger(std::int64_t value, unsigned char* output, std::int32_t size, EEndian endian,
@@ -975,7 +983,7 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   bool takeOverpunchedSign(ZanStringBase& text, std::int32_t at, bool customSignEBCDIC);
   // The writers' digits of decimal `text` for a field of `size` bytes: times ten to `scale`,
   // truncated, without leading zeros ("0" for zero, which is not negative).
-  ZanStringBase zonedDigitsOf(ZanStringBase text, std::int32_t scale, std::int32_t size,
+  ZanStringBase zonedDigitsOf(const ZanStringBase& text, std::int32_t scale, std::int32_t size,
                               bool& negative);
   // The writers' last step: `size` bytes of `output` from unsigned digits without leading zeros
   // and their sign, the form checked by the caller.
