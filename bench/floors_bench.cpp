@@ -138,22 +138,25 @@ void BM_LibPackedToInt64(benchmark::State& state) {
 }
 BENCHMARK(BM_LibPackedToInt64);
 
-// The same fields as decimal text with two places: the floor also writes the text.
-std::string floorPackedText(const unsigned char* f) {
-  std::int64_t value = 0;
-  floorPacked(f, value);
+// A value with two implied places as the decimal readers give it ("-0.05", "12.30"), written with
+// std::to_chars; the floors of the decimal readers end here.
+std::string floorDecimalText(std::int64_t value) {
   char text[24];
   const std::int64_t magnitude = value < 0 ? -value : value;
   char* end = text;
   if (value < 0) *end++ = '-';
   end = std::to_chars(end, text + sizeof text, magnitude / 100).ptr;
-  const std::int64_t cents = magnitude % 100;
-  if (cents != 0) {
-    *end++ = '.';
-    *end++ = static_cast<char>('0' + cents / 10);
-    if (cents % 10 != 0) *end++ = static_cast<char>('0' + cents % 10);
-  }
+  *end++ = '.';
+  *end++ = static_cast<char>('0' + magnitude / 10 % 10);
+  *end++ = static_cast<char>('0' + magnitude % 10);
   return std::string(text, end);
+}
+
+// The packed reader keeps the field's leading zeros; the floor compares values, not forms.
+std::string floorPackedText(const unsigned char* f) {
+  std::int64_t value = 0;
+  floorPacked(f, value);
+  return floorDecimalText(value);
 }
 
 void BM_FloorPackedToDec(benchmark::State& state) {
@@ -170,9 +173,10 @@ void BM_LibPackedToDec(benchmark::State& state) {
     return cnv.PckdDecToDec(fields[i].data(), 5, BigEndian, 2, DataCnv::eLeadingEmbeddedSign);
   };
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    ZanStringBase normal;
-    cnv.StrFromDec(read(i).getDecimalText(), normal);
-    if (normal.toUtf8() != floorPackedText(fields[i].data())) disagree("packed text", i);
+    if (std::stod(read(i).getDecimalText().toUtf8()) !=
+        std::stod(floorPackedText(fields[i].data()))) {
+      disagree("packed text", i);
+    }
   }
   timeOverSet(state, fields.size(), read);
 }
@@ -231,6 +235,126 @@ void BM_LibZonedToInt64(benchmark::State& state) {
   timeOverSet(state, fields.size(), read);
 }
 BENCHMARK(BM_LibZonedToInt64);
+
+// The same fields as decimal text with two places.
+std::string floorZonedText(const unsigned char* f) {
+  std::int64_t value = 0;
+  floorZoned(f, value);
+  return floorDecimalText(value);
+}
+
+void BM_FloorZonedToDec(benchmark::State& state) {
+  const auto fields = zonedDecimals();
+  timeOverSet(state, fields.size(),
+              [&](std::size_t i) { return floorZonedText(fields[i].data()); });
+}
+BENCHMARK(BM_FloorZonedToDec);
+
+void BM_LibZonedToDec(benchmark::State& state) {
+  const auto fields = zonedDecimals();
+  DataCnv cnv(37);
+  const auto read = [&](std::size_t i) {
+    return cnv.ExtDecToDec(fields[i].data(), 7, 2, DataCnv::eTrailingEmbeddedSign,
+                           DataCnv::eRightJustified, u'0', true, false, nullptr, nullptr);
+  };
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (read(i).getDecimalText().toUtf8() != floorZonedText(fields[i].data())) {
+      disagree("zoned text", i);
+    }
+  }
+  timeOverSet(state, fields.size(), read);
+}
+BENCHMARK(BM_LibZonedToDec);
+
+// --- writers: integers into 5-byte packed decimal and 4-byte big-endian binary ---
+
+std::vector<std::int64_t> integers() {
+  std::mt19937_64 random(64);
+  std::vector<std::int64_t> values(kFields);
+  for (auto& value : values) {
+    value = static_cast<std::int64_t>(random() % 2000000000) - 1000000000 + 1;
+    value >>= random() % 24;  // magnitudes of every size, not only the largest
+  }
+  return values;
+}
+
+// Nine digits and a C or D sign; false when the value has more digits than the field.
+bool floorPackInteger(std::int64_t value, unsigned char* f) {
+  std::uint64_t magnitude = value < 0 ? 0 - static_cast<std::uint64_t>(value) : value;
+  if (magnitude > 999999999) return false;
+  f[4] = static_cast<unsigned char>((magnitude % 10) << 4 | (value < 0 ? 0x0D : 0x0C));
+  magnitude /= 10;
+  for (int i = 3; i >= 0; --i) {
+    f[i] = static_cast<unsigned char>((magnitude / 10 % 10) << 4 | magnitude % 10);
+    magnitude /= 100;
+  }
+  return true;
+}
+
+void BM_FloorPackedFromInt64(benchmark::State& state) {
+  const auto values = integers();
+  std::array<unsigned char, 5> field{};
+  timeOverSet(state, values.size(), [&](std::size_t i) {
+    floorPackInteger(values[i], field.data());
+    return field[4];
+  });
+}
+BENCHMARK(BM_FloorPackedFromInt64);
+
+void BM_LibPackedFromInt64(benchmark::State& state) {
+  const auto values = integers();
+  DataCnv cnv(37, BigEndian);
+  std::array<unsigned char, 5> field{};
+  const auto write = [&](std::size_t i) {
+    std::int32_t size = 5;
+    cnv.PckdDecFromPWFInt64(values[i], field.data(), size, BigEndian, 0,
+                            DataCnv::eLeadingEmbeddedSign);
+    return field[4];
+  };
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    std::array<unsigned char, 5> expected{};
+    if (!floorPackInteger(values[i], expected.data())) disagree("packed writer", i);
+    write(i);
+    if (field != expected) disagree("packed writer", i);
+  }
+  timeOverSet(state, values.size(), write);
+}
+BENCHMARK(BM_LibPackedFromInt64);
+
+void floorStoreInt32(std::int64_t value, unsigned char* f) {
+  const auto bits = static_cast<std::uint32_t>(value);
+  for (int i = 0; i < 4; ++i) f[i] = static_cast<unsigned char>(bits >> (24 - 8 * i));
+}
+
+void BM_FloorBinIntFromInt32(benchmark::State& state) {
+  const auto values = integers();
+  std::array<unsigned char, 4> field{};
+  timeOverSet(state, values.size(), [&](std::size_t i) {
+    floorStoreInt32(values[i], field.data());
+    return field[3];
+  });
+}
+BENCHMARK(BM_FloorBinIntFromInt32);
+
+void BM_LibBinIntFromInt32(benchmark::State& state) {
+  const auto values = integers();
+  DataCnv cnv(37, BigEndian);
+  std::array<unsigned char, 4> field{};
+  const auto write = [&](std::size_t i) {
+    std::int32_t size = 4;
+    cnv.IntFromInt32(static_cast<std::int32_t>(values[i]), field.data(), size,
+                     DataCnv::eLeadingEmbeddedSign);
+    return field[3];
+  };
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    std::array<unsigned char, 4> expected{};
+    floorStoreInt32(values[i], expected.data());
+    write(i);
+    if (field != expected) disagree("binary writer", i);
+  }
+  timeOverSet(state, values.size(), write);
+}
+BENCHMARK(BM_LibBinIntFromInt32);
 
 // --- floats: 8-byte IEEE and 4-byte HFP, big-endian ---
 
