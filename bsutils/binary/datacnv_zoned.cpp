@@ -176,10 +176,10 @@ bool digitsFromBytes(const unsigned char* field, std::int32_t size, ESign sign, 
 
 // Writes unsigned digits and their sign byte by byte into the `size` bytes of `field`: a separate
 // sign at its edge, zeros before the digits. False when the field needs padding other than zeros.
-bool fieldFromBytes(const ZanStringBase& digits, bool negative, std::int32_t size, ESign sign,
+bool fieldFromBytes(std::u16string_view digits, bool negative, std::int32_t size, ESign sign,
                     bool zeroPad, bool ebcdic, bool customSignEBCDIC, unsigned char* field) {
   const ZonedBytes& bytes = ebcdic ? kEbcdicBytes : kAsciiBytes;
-  const std::int32_t count = digits.length();
+  const auto count = static_cast<std::int32_t>(digits.size());
   const std::int32_t fill = size - count - (isSeparate(sign) ? 1 : 0);
   if (fill > 0 && !zeroPad) return false;
   const unsigned char separateSign = negative ? bytes.minus : bytes.plus;
@@ -564,14 +564,14 @@ ZanStringBase DataCnv::zonedDigitsOf(const ZanStringBase& decimal, std::int32_t 
   return *std::move(digits);
 }
 
-void DataCnv::zonedFieldFromText(const ZanStringBase& digits, bool negative, std::int32_t size,
+void DataCnv::zonedFieldFromText(std::u16string_view digits, bool negative, std::int32_t size,
                                  ESign sign, EJustification justification, char16_t padCharacter,
                                  bool padIsUnicode, bool customSignEBCDIC,
                                  const char16_t* positiveSigns, const char16_t* negativeSigns,
                                  unsigned char* field) {
   // Digits and signs take the code page's narrowest character; the caller has made sure they fit.
   const std::int32_t width = getConverter()->getMinBytesPerChar();
-  const std::int32_t digitBytes = digits.length() * width;
+  const auto digitBytes = static_cast<std::int32_t>(digits.size()) * width;
   const std::int32_t numberBytes = size - (isSeparate(sign) ? width : 0);
   const std::int32_t fill = numberBytes - digitBytes;
   const char16_t pad = fill == 0 || padIsUnicode
@@ -580,7 +580,7 @@ void DataCnv::zonedFieldFromText(const ZanStringBase& digits, bool negative, std
   // Zeros are digits: they fill before the embedded sign goes on the first digit. Other padding
   // goes round the signed digits.
   const bool zeroFill = fill > 0 && pad == u'0';
-  ZanStringBase text = digits;
+  ZanStringBase text(digits.data(), static_cast<std::int32_t>(digits.size()));
   if (zeroFill) ExtDecPadData(text, numberBytes, digitBytes, justification, pad, true);
   bool markNegativeByte = false;
   if (isEmbedded(sign)) {
@@ -614,7 +614,7 @@ void DataCnv::zonedFieldFromText(const ZanStringBase& digits, bool negative, std
   }
 }
 
-void DataCnv::writeZonedField(const ZanStringBase& digits, bool negative, unsigned char* output,
+void DataCnv::writeZonedField(std::u16string_view digits, bool negative, unsigned char* output,
                               std::int32_t size, ESign sign, EJustification justification,
                               char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
                               const char16_t* positiveSigns, const char16_t* negativeSigns) {
@@ -624,7 +624,7 @@ void DataCnv::writeZonedField(const ZanStringBase& digits, bool negative, unsign
   }
   const std::int32_t width = getConverter()->getMinBytesPerChar();
   const std::int64_t dataBytes =
-      static_cast<std::int64_t>(digits.length() + (isSeparate(sign) ? 1 : 0)) * width;
+      (static_cast<std::int64_t>(digits.size()) + (isSeparate(sign) ? 1 : 0)) * width;
   if (dataBytes > size) {
     CP_RAISE(CP_CONV_INPUT_DATA_TOO_LONG, kDataCnvModule, kUStringToExtDec, this, nullptr,
              kZonedKind, "string");
@@ -661,8 +661,9 @@ void DataCnv::UStringToExtDec(ZanStringBase text, unsigned char* output, std::in
   checkZonedForm(kUStringToExtDec, sign, justification, positiveSigns, negativeSigns);
   bool negative = false;
   const ZanStringBase digits = zonedDigitsOf(text, scale, size, negative);
-  writeZonedField(digits, negative, output, size, sign, justification, padCharacter, padIsUnicode,
-                  customSignEBCDIC, positiveSigns, negativeSigns);
+  writeZonedField({digits.data(), static_cast<std::size_t>(digits.length())}, negative, output,
+                  size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
+                  positiveSigns, negativeSigns);
 }
 
 void DataCnv::ExtDecFromInt64(std::int64_t value, unsigned char* output, std::int32_t& size,
@@ -674,13 +675,13 @@ void DataCnv::ExtDecFromInt64(std::int64_t value, unsigned char* output, std::in
                      customSignEBCDIC);
   checkZonedOutput(this, kFunction, output, size);
   checkZonedForm(kUStringToExtDec, sign, justification, positiveSigns, negativeSigns);
-  // An integer's text is the common writer's digits already, once its sign is off: there is no
-  // point to move and no zero to drop.
-  ZanStringBase digits;
-  Int64ToUString(value, digits);
-  if (value < 0) digits.erase(0, US_MINUS.length());
-  writeZonedField(digits, value < 0, output, size, sign, justification, padCharacter, padIsUnicode,
-                  customSignEBCDIC, positiveSigns, negativeSigns);
+  // An integer's digits are the common writer's digits already: there is no point to move and no
+  // zero to drop.
+  char16_t digits[kMaxIntegerDigits];
+  const std::int32_t count = decimalDigits(magnitudeOf(value), digits);
+  writeZonedField({digits, static_cast<std::size_t>(count)}, value < 0, output, size, sign,
+                  justification, padCharacter, padIsUnicode, customSignEBCDIC, positiveSigns,
+                  negativeSigns);
 }
 
 void DataCnv::ExtDecFromDbl(double value, unsigned char* output, std::int32_t& size,

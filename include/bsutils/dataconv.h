@@ -47,6 +47,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 class PWFDateTimeFormatter;
 
@@ -987,12 +988,12 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
                               bool& negative);
   // The writers' last step: `size` bytes of `output` from unsigned digits without leading zeros
   // and their sign, the form checked by the caller.
-  void writeZonedField(const ZanStringBase& digits, bool negative, unsigned char* output,
+  void writeZonedField(std::u16string_view digits, bool negative, unsigned char* output,
                        std::int32_t size, ESign sign, EJustification justification,
                        char16_t padCharacter, bool padIsUnicode, bool customSignEBCDIC,
                        const char16_t* positiveSigns, const char16_t* negativeSigns);
   // Writing through the code page: the `size` bytes of `field` from the digits and their sign.
-  void zonedFieldFromText(const ZanStringBase& digits, bool negative, std::int32_t size, ESign sign,
+  void zonedFieldFromText(std::u16string_view digits, bool negative, std::int32_t size, ESign sign,
                           EJustification justification, char16_t padCharacter, bool padIsUnicode,
                           bool customSignEBCDIC, const char16_t* positiveSigns,
                           const char16_t* negativeSigns, unsigned char* field);

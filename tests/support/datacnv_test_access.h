@@ -77,8 +77,9 @@ class DataCnvTestAccess {
   static void zonedFieldFromText(DataCnv& cnv, const ZanStringBase& digits, bool negative,
                                  std::int32_t size, ESign sign, bool customSignEBCDIC,
                                  unsigned char* field) {
-    cnv.zonedFieldFromText(digits, negative, size, sign, DataCnv::eRightJustified, u'0', true,
-                           customSignEBCDIC, nullptr, nullptr, field);
+    cnv.zonedFieldFromText({digits.data(), static_cast<std::size_t>(digits.length())}, negative,
+                           size, sign, DataCnv::eRightJustified, u'0', true, customSignEBCDIC,
+                           nullptr, nullptr, field);
   }
 };
 
