@@ -25,6 +25,15 @@ inline bool fastPathsOpen() { return !ZanLog::isDebugTraceActive(); }
 // which are rare, go through the general text path.
 inline constexpr std::int32_t kMaxStackScale = 40;
 
+// Integers of up to 15 digits and the powers of ten up to 22 are exact doubles, and one division
+// or multiplication of exact doubles is correctly rounded: it is the double that the decimal text
+// of a field reads as, found without the text.
+inline constexpr std::int32_t kExactDigits = 15;
+inline constexpr std::int32_t kExactPowerOfTen = 22;
+inline constexpr double kPowersOfTen[kExactPowerOfTen + 1] = {
+    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 // The pointer checks most conversions start with: CP_INTERNAL_ERROR "Null input pointer" or "Null
 // output buffer pointer" under `function`; `cnv` is the log source (null for the static ones).
 void requireInputPointer(const DataCnv* cnv, const char* function, const void* input);

@@ -343,6 +343,16 @@ double DataCnv::PckdDecToDbl(const unsigned char* source, std::int32_t size, EEn
                              std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecToDbl";
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, endian, scale, sign);
+  // Eight bytes hold 15 digits.
+  if (size <= kExactDigits / 2 + 1 && scale >= 0 && scale <= kExactPowerOfTen) {
+    std::uint64_t magnitude = 0;
+    const auto negative = scanPackedField(
+        source, size, endian, sign, [&](unsigned digit) { magnitude = magnitude * 10 + digit; });
+    if (negative) {
+      const double value = static_cast<double>(magnitude) / kPowersOfTen[scale];
+      return *negative ? -value : value;
+    }
+  }
   return trace.result(
       PWFStringTodouble(packedDecimalText(kFunction, source, size, endian, scale, sign)));
 }

@@ -39,13 +39,6 @@ constexpr std::int32_t kInlineBytes = 64;
 // A sign table holds the forms of the ten digits first.
 constexpr std::int32_t kSignTableDigits = 10;
 
-// The exact doubles the double reader divides by: 1e0..1e22, and its integers of up to 15 digits.
-constexpr std::int32_t kExactPowerOfTen = 22;
-constexpr std::int32_t kExactDigits = 15;
-constexpr double kPowersOfTen[kExactPowerOfTen + 1] = {
-    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
 // What a zoned field holds besides digits, in a code page whose digits are single bytes.
 struct ZonedBytes {
   unsigned char zone;  // digit d is zone | d
@@ -503,9 +496,7 @@ double DataCnv::ExtDecToDbl(const unsigned char* source, std::int32_t size, std:
   const ZanStringBase text =
       ExtDecToStr(source, size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
                   positiveSigns, negativeSigns);
-  // Up to 15 digits and the powers of ten up to 22 are exact doubles, and one division or
-  // multiplication of exact doubles is correctly rounded: it is the double the decimal text reads
-  // as, found without the text.
+  // Exact doubles, one correctly rounded step: the double the decimal text reads as.
   const std::int32_t digits = text.length() - (text[0] == u'-' ? 1 : 0);
   if (digits <= kExactDigits && scale >= -kExactPowerOfTen && scale <= kExactPowerOfTen) {
     const auto value = static_cast<double>(UStringToInt64(text));

@@ -1,12 +1,13 @@
-// The packed readers read valid fields straight from their bytes, and the integer writers pack
-// straight from the value, leaving everything else to the general path, which also runs whenever
-// debug trace is on. With debug trace on, then, the general path answers alone; these tests hold
-// the two to the same answer, value, bytes or failure, over every 2-byte field, every 3-byte one,
-// and seeded sets of long fields and of values.
+// The packed readers read valid fields straight from their bytes (a double bit for bit), and the
+// integer writers pack straight from the value, leaving everything else to the general path, which
+// also runs whenever debug trace is on. With debug trace on, then, the general path answers alone;
+// these tests hold the two to the same answer, value, bytes or failure, over every 2-byte field,
+// every 3-byte one, and seeded sets of long fields and of values.
 
 #include <bsutils/dataconv.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -47,11 +48,17 @@ void expectSameOutcomes(const std::vector<unsigned char>& field, const Reading& 
   };
   const Outcome fast64 = outcomeOf(read64);
   const Outcome fast32 = outcomeOf(read32);
+  const auto readDouble = [&] {
+    return std::bit_cast<std::uint64_t>(
+        cnv.PckdDecToDbl(field.data(), size, reading.endian, reading.scale, reading.sign));
+  };
   const Outcome fastText = outcomeOf(readText);
+  const Outcome fastDouble = outcomeOf(readDouble);
   GeneralPathOnly general;
   ASSERT_EQ(fast64, outcomeOf(read64));
   ASSERT_EQ(fast32, outcomeOf(read32));
   ASSERT_EQ(fastText, outcomeOf(readText));
+  ASSERT_EQ(fastDouble, outcomeOf(readDouble));
 }
 
 TEST(PackedFastPath, EveryTwoByteFieldReadsAsTheGeneralPathReadsIt) {
