@@ -3,7 +3,9 @@
 
 #include <bsutils/dataconv.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -33,14 +35,18 @@ std::optional<ZanStringBase> DataCnv::scaledFieldDigits(const char* function,
   // `reach` places beyond is too long before any text is built.
   const std::int64_t units = text.length() - (text[0] == u'-' || text[0] == u'+' ? 1 : 0);
   if (scale >= units + reach) return std::nullopt;
-  // The integer digits of the value times ten to the scale, zeros beyond the text's own.
+  // The integer digits of the value times ten to the scale, zeros beyond the text's own, written
+  // into the string's storage at once.
   const std::int64_t end = number.integerDigits + static_cast<std::int64_t>(scale);
   if (end <= static_cast<std::int64_t>(first)) return ZanStringBase(u"0", 1);
+  const auto length = static_cast<std::int32_t>(end - static_cast<std::int64_t>(first));
   ZanStringBase digits;
-  digits.reserve(static_cast<std::int32_t>(end - static_cast<std::int64_t>(first)));
-  for (auto i = static_cast<std::int64_t>(first); i < end; ++i) {
-    const bool own = i < static_cast<std::int64_t>(number.digits.size());
-    digits.append(own ? static_cast<char16_t>(number.digits[static_cast<std::size_t>(i)]) : u'0');
-  }
+  char16_t* const storage = digits.unicodeString().getBuffer(length);
+  if (storage == nullptr) throw std::bad_alloc();
+  const auto own = std::min<std::int64_t>(end, static_cast<std::int64_t>(number.digits.size()));
+  const auto copied = std::copy(number.digits.begin() + static_cast<std::ptrdiff_t>(first),
+                                number.digits.begin() + static_cast<std::ptrdiff_t>(own), storage);
+  std::fill(copied, storage + length, u'0');
+  digits.unicodeString().releaseBuffer(length);
   return digits;
 }
