@@ -493,18 +493,25 @@ double DataCnv::ExtDecToDbl(const unsigned char* source, std::int32_t size, std:
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, scale, sign, justification,
                      padCharacter, padIsUnicode, customSignEBCDIC);
   checkZonedSource(this, kFunction, kExternalSizeMessage, source, size);
-  const ZanStringBase text =
-      ExtDecToStr(source, size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
-                  positiveSigns, negativeSigns);
-  // Exact doubles, one correctly rounded step: the double the decimal text reads as.
-  const std::int32_t digits = text.length() - (text[0] == u'-' ? 1 : 0);
-  if (digits <= kExactDigits && scale >= -kExactPowerOfTen && scale <= kExactPowerOfTen) {
-    const auto value = static_cast<double>(UStringToInt64(text));
-    return trace.result(scale >= 0 ? value / kPowersOfTen[scale] : value * kPowersOfTen[-scale]);
-  }
-  ZanStringBase decimal = text;
-  shiftSignedDecimal(decimal, scale);
-  return trace.result(PWFStringTodouble(decimal));
+  return trace.result(readZonedDigits(
+      source, size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
+      positiveSigns, negativeSigns,
+      [this, scale](const char16_t* digits, std::int32_t count, bool negative) {
+        std::int32_t first = 0;
+        while (first < count && digits[first] == u'0') ++first;
+        // Exact doubles, one correctly rounded step: the double the decimal text reads as.
+        if (count - first <= kExactDigits && scale >= -kExactPowerOfTen &&
+            scale <= kExactPowerOfTen) {
+          std::int64_t magnitude = 0;
+          for (std::int32_t i = first; i < count; ++i)
+            magnitude = magnitude * 10 + (digits[i] - u'0');
+          const auto value = static_cast<double>(negative ? -magnitude : magnitude);
+          return scale >= 0 ? value / kPowersOfTen[scale] : value * kPowersOfTen[-scale];
+        }
+        ZanStringBase decimal = signedIntegerText(digits, count, negative);
+        shiftSignedDecimal(decimal, scale);
+        return PWFStringTodouble(decimal);
+      }));
 }
 
 PWFData DataCnv::ExtDecToDec(const unsigned char* source, std::int32_t size, std::int32_t scale,

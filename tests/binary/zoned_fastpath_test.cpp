@@ -6,7 +6,9 @@
 #include <bsutils/dataconv.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -74,7 +76,7 @@ TEST(ZonedFastPath, LongFieldsReadAsTheirText) {
 }
 
 // The decimal reader builds its text on the stack for the usual scales; with debug trace on it
-// goes through the text path alone.
+// goes through the text path alone. The double reader builds its value from the digits.
 void expectSameDecimals(const std::vector<unsigned char>& field, const Convention& convention,
                         std::int32_t scale) {
   DataCnv cnv(convention.ccsid);
@@ -84,6 +86,16 @@ void expectSameDecimals(const std::vector<unsigned char>& field, const Conventio
                            nullptr);
   };
   const Outcome fast = outcomeOf(read);
+  // The double reader reads the field as the C library reads its decimal text, bit for bit.
+  const auto bitsOf = [](double value) { return std::bit_cast<std::uint64_t>(value); };
+  const Outcome asDouble = outcomeOf([&] {
+    return bitsOf(cnv.ExtDecToDbl(field.data(), static_cast<std::int32_t>(field.size()), scale,
+                                  convention.sign, DataCnv::eRightJustified, u'0', true, false,
+                                  nullptr, nullptr));
+  });
+  const Outcome viaText = outcomeOf(
+      [&] { return bitsOf(std::strtod(read().getDecimalText().toUtf8().c_str(), nullptr)); });
+  ASSERT_EQ(asDouble, viaText);
   GeneralPathOnly general;
   ASSERT_EQ(fast, outcomeOf(read));
 }
