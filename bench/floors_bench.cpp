@@ -38,6 +38,20 @@ void timeOverSet(benchmark::State& state, std::size_t count, Read read) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
 }
 
+// A value with two implied places as the decimal readers give it ("-0.05", "12.30"), written with
+// std::to_chars; the floors of the decimal readers end here.
+std::string floorDecimalText(std::int64_t value) {
+  char text[24];
+  const std::int64_t magnitude = value < 0 ? -value : value;
+  char* end = text;
+  if (value < 0) *end++ = '-';
+  end = std::to_chars(end, text + sizeof text, magnitude / 100).ptr;
+  *end++ = '.';
+  *end++ = static_cast<char>('0' + magnitude / 10 % 10);
+  *end++ = static_cast<char>('0' + magnitude % 10);
+  return std::string(text, end);
+}
+
 // --- 4-byte big-endian binary integers ---
 
 Fields<4> binaryIntegers() {
@@ -76,6 +90,29 @@ void BM_LibBinIntToInt32(benchmark::State& state) {
   });
 }
 BENCHMARK(BM_LibBinIntToInt32);
+
+// The same fields as decimal text with two places: the floor also writes the text.
+void BM_FloorBinIntToDec(benchmark::State& state) {
+  const auto fields = binaryIntegers();
+  timeOverSet(state, fields.size(), [&](std::size_t i) {
+    return floorDecimalText(floorBinaryInteger(fields[i].data()));
+  });
+}
+BENCHMARK(BM_FloorBinIntToDec);
+
+void BM_LibBinIntToDec(benchmark::State& state) {
+  const auto fields = binaryIntegers();
+  DataCnv cnv(37, BigEndian);
+  const auto read = [&](std::size_t i) { return cnv.IntToDec(fields[i].data(), 4, 2); };
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (read(i).getDecimalText().toUtf8() !=
+        floorDecimalText(floorBinaryInteger(fields[i].data()))) {
+      disagree("binary integer text", i);
+    }
+  }
+  timeOverSet(state, fields.size(), read);
+}
+BENCHMARK(BM_LibBinIntToDec);
 
 // --- 5-byte packed decimal, 9 digits and a sign ---
 
@@ -137,20 +174,6 @@ void BM_LibPackedToInt64(benchmark::State& state) {
   timeOverSet(state, fields.size(), read);
 }
 BENCHMARK(BM_LibPackedToInt64);
-
-// A value with two implied places as the decimal readers give it ("-0.05", "12.30"), written with
-// std::to_chars; the floors of the decimal readers end here.
-std::string floorDecimalText(std::int64_t value) {
-  char text[24];
-  const std::int64_t magnitude = value < 0 ? -value : value;
-  char* end = text;
-  if (value < 0) *end++ = '-';
-  end = std::to_chars(end, text + sizeof text, magnitude / 100).ptr;
-  *end++ = '.';
-  *end++ = static_cast<char>('0' + magnitude / 10 % 10);
-  *end++ = static_cast<char>('0' + magnitude % 10);
-  return std::string(text, end);
-}
 
 // The packed reader keeps the field's leading zeros; the floor compares values, not forms.
 std::string floorPackedText(const unsigned char* f) {
@@ -395,6 +418,32 @@ void BM_LibIeee8ToDbl(benchmark::State& state) {
               [&](std::size_t i) { return cnv.FltToDbl(fields[i].data(), 8); });
 }
 BENCHMARK(BM_LibIeee8ToDbl);
+
+// The same fields as decimal text: the shortest digits that read back exactly, positional.
+std::string floorIeeeText(const unsigned char* f) {
+  char text[32];
+  return std::string(
+      text, std::to_chars(text, text + sizeof text, floorIeee(f), std::chars_format::fixed).ptr);
+}
+
+void BM_FloorIeee8ToDec(benchmark::State& state) {
+  const auto fields = ieeeDoubles();
+  timeOverSet(state, fields.size(), [&](std::size_t i) { return floorIeeeText(fields[i].data()); });
+}
+BENCHMARK(BM_FloorIeee8ToDec);
+
+void BM_LibIeee8ToDec(benchmark::State& state) {
+  const auto fields = ieeeDoubles();
+  DataCnv cnv(37, BigEndian, IEEEFloat);
+  const auto read = [&](std::size_t i) { return cnv.FltToDec(fields[i].data(), 8, 0); };
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (read(i).getDecimalText().toUtf8() != floorIeeeText(fields[i].data())) {
+      disagree("IEEE text", i);
+    }
+  }
+  timeOverSet(state, fields.size(), read);
+}
+BENCHMARK(BM_LibIeee8ToDec);
 
 // Short HFP values of normal magnitude (characteristics 56 to 72) with a normalised fraction: every
 // one is a float, so the runtime's conversion through a float keeps it exactly.

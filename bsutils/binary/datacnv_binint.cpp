@@ -222,7 +222,7 @@ PWFData DataCnv::IntToDec(const unsigned char* source, std::int32_t length, std:
     char16_t digits[kMaxIntegerDigits];
     const std::int32_t count = decimalDigits(magnitudeOf(value), digits);
     char16_t text[kMaxIntegerDigits + kMaxStackScale + 4];
-    placePoint(digits, count, scale, value < 0, text);
+    placePoint(digits, count, count, scale, value < 0, text);
     return PWFData(text, eDecimal);
   }
   ZanStringBase text;

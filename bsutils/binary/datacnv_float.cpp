@@ -16,6 +16,7 @@
 #include <string>
 
 #include "binary/fieldbits.h"
+#include "core/canonicaltext.h"
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
 #include "datacnvprivate.h"
@@ -401,6 +402,25 @@ PWFData DataCnv::FltToDec(const unsigned char* source, std::int32_t size, std::i
   CpDebugTrace trace("DataCnv::FltToDec", static_cast<const void*>(source), size, scale);
   ZanStringBase text;
   doubleToUString(FltToDbl(source, size), text, false);
+  // The positional text of a double of usual size ("-1234.5678") has its point moved on the stack.
+  constexpr std::int32_t kLongestQuickText = 40;
+  if (scale >= 0 && scale <= kMaxStackScale && text.length() <= kLongestQuickText &&
+      fastPathsOpen()) {
+    char16_t digits[kLongestQuickText];
+    std::int32_t count = 0;
+    std::int32_t integerDigits = -1;
+    for (std::int32_t i = text[0] == u'-' ? 1 : 0; i < text.length(); ++i) {
+      if (text[i] == u'.') {
+        integerDigits = count;
+      } else {
+        digits[count++] = text[i];
+      }
+    }
+    char16_t placed[kLongestQuickText + kMaxStackScale + 4];
+    placePoint(digits, count, integerDigits < 0 ? count : integerDigits, scale, text[0] == u'-',
+               placed);
+    return PWFData(placed, eDecimal);
+  }
   shiftSignedDecimal(text, scale);
   trace.result(text);
   return PWFData(text.terminatedData(), eDecimal);

@@ -331,7 +331,7 @@ PWFData DataCnv::PckdDecToDec(const unsigned char* source, std::int32_t size, EE
     });
     if (negative) {
       char16_t text[2 * kLocalFieldBytes + kMaxStackScale + 4];
-      placePoint(digits, count, scale, *negative, text);
+      placePoint(digits, count, count, scale, *negative, text);
       return PWFData(text, eDecimal);
     }
   }

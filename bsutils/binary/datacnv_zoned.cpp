@@ -522,29 +522,29 @@ PWFData DataCnv::ExtDecToDec(const unsigned char* source, std::int32_t size, std
   CpDebugTrace trace(kFunction, static_cast<const void*>(source), size, scale, sign, justification,
                      padCharacter, padIsUnicode, customSignEBCDIC);
   checkZonedSource(this, kFunction, kExternalSizeMessage, source, size);
-  return readZonedDigits(source, size, sign, justification, padCharacter, padIsUnicode,
-                         customSignEBCDIC, positiveSigns, negativeSigns,
-                         [this, scale](const char16_t* digits, std::int32_t count, bool negative) {
-                           // Without leading zeros; zero is "0" and has no sign.
-                           std::int32_t first = 0;
-                           while (first < count && digits[first] == u'0') ++first;
-                           if (first == count) {
-                             digits = u"0";
-                             first = 0;
-                             count = 1;
-                             negative = false;
-                           }
-                           if (count - first <= kInlineBytes && scale >= 0 &&
-                               scale <= kMaxStackScale && fastPathsOpen()) {
-                             char16_t text[kInlineBytes + kMaxStackScale + 4];
-                             placePoint(digits + first, count - first, scale, negative, text);
-                             return PWFData(text, eDecimal);
-                           }
-                           ZanStringBase text =
-                               signedIntegerText(digits + first, count - first, negative);
-                           shiftSignedDecimal(text, scale);
-                           return PWFData(text.terminatedData(), eDecimal);
-                         });
+  return readZonedDigits(
+      source, size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
+      positiveSigns, negativeSigns,
+      [this, scale](const char16_t* digits, std::int32_t count, bool negative) {
+        // Without leading zeros; zero is "0" and has no sign.
+        std::int32_t first = 0;
+        while (first < count && digits[first] == u'0') ++first;
+        if (first == count) {
+          digits = u"0";
+          first = 0;
+          count = 1;
+          negative = false;
+        }
+        if (count - first <= kInlineBytes && scale >= 0 && scale <= kMaxStackScale &&
+            fastPathsOpen()) {
+          char16_t text[kInlineBytes + kMaxStackScale + 4];
+          placePoint(digits + first, count - first, count - first, scale, negative, text);
+          return PWFData(text, eDecimal);
+        }
+        ZanStringBase text = signedIntegerText(digits + first, count - first, negative);
+        shiftSignedDecimal(text, scale);
+        return PWFData(text.terminatedData(), eDecimal);
+      });
 }
 
 // --- writing ---

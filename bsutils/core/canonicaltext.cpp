@@ -1,6 +1,7 @@
 #include "core/canonicaltext.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace bsutils::internal {
 
@@ -12,37 +13,34 @@ constexpr char16_t kZero = u'0';
 }  // namespace
 
 std::int32_t decimalDigits(std::uint64_t magnitude, char16_t* digits) {
-  char16_t reversed[kMaxIntegerDigits];
-  std::int32_t count = 0;
-  do {
-    reversed[count++] = static_cast<char16_t>(u'0' + magnitude % 10);
-    magnitude /= 10;
-  } while (magnitude != 0);
-  for (std::int32_t i = 0; i < count; ++i) digits[i] = reversed[count - 1 - i];
-  return count;
+  // std::to_chars writes two digits a step from a table, where a division a digit would chain.
+  char text[kMaxIntegerDigits];
+  char* const end = std::to_chars(text, text + kMaxIntegerDigits, magnitude).ptr;
+  return static_cast<std::int32_t>(std::copy(text, end, digits) - digits);
 }
 
 ZanStringBase integerText(std::int64_t value) {
   char16_t digits[kMaxIntegerDigits];
   const std::int32_t count = decimalDigits(magnitudeOf(value), digits);
   char16_t text[kMaxIntegerDigits + 2];
-  return ZanStringBase(text, placePoint(digits, count, 0, value < 0, text));
+  return ZanStringBase(text, placePoint(digits, count, count, 0, value < 0, text));
 }
 
-std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t scale,
-                        bool negative, char16_t* text) {
+std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t integerDigits,
+                        std::int32_t scale, bool negative, char16_t* text) {
   char16_t* end = text;
   if (negative) *end++ = u'-';
-  if (scale == 0) {
+  const std::int32_t point = integerDigits - scale;  // digits before the point that is written
+  if (point >= count) {
     end = std::copy_n(digits, count, end);
-  } else if (scale < count) {
-    end = std::copy_n(digits, count - scale, end);
+  } else if (point > 0) {
+    end = std::copy_n(digits, point, end);
     *end++ = kPoint;
-    end = std::copy_n(digits + count - scale, scale, end);
+    end = std::copy_n(digits + point, count - point, end);
   } else {
     *end++ = kZero;
     *end++ = kPoint;
-    end = std::fill_n(end, scale - count, kZero);
+    end = std::fill_n(end, -point, kZero);
     end = std::copy_n(digits, count, end);
   }
   *end = u'\0';

@@ -24,11 +24,13 @@ inline std::uint64_t magnitudeOf(std::int64_t value) {
 std::int32_t decimalDigits(std::uint64_t magnitude, char16_t* digits);
 
 // The decimal text that the readers of scaled fields give: `count` digits as they stand, leading
-// zeros included, with a point `scale` places (0 or more) from the right and "-" in front when
-// `negative`: ("12345", 2) -> "123.45", ("5", 3) -> "0.005", ("007", 0) -> "007". `text` needs room
-// for count + scale + 4 units; it is NUL-terminated and its length (without the NUL) returned.
-std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t scale,
-                        bool negative, char16_t* text);
+// zeros included, the first `integerDigits` of them before a point, with that point moved `scale`
+// places (0 or more) to the left, and "-" in front when `negative`: ("12345", 5, 2) -> "123.45",
+// ("5", 1, 3) -> "0.005", ("12345", 4, 1) -> "123.45", ("007", 3, 0) -> "007". No point is
+// written after the last digit. `text` needs room for count + scale + 4 units; it is
+// NUL-terminated and its length (without the NUL) returned.
+std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t integerDigits,
+                        std::int32_t scale, bool negative, char16_t* text);
 
 // The shortest decimal text, "-" before a negative value: -42 -> "-42", INT64_MIN ->
 // "-9223372036854775808".

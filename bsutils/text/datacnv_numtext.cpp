@@ -3,6 +3,7 @@
 
 #include <bsutils/dataconv.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -44,8 +45,10 @@ void DataCnv::doubleToUString(double value, ZanStringBase& out, bool exponential
   const std::to_chars_result written = std::to_chars(
       units, units + sizeof units, value,
       positionalIsShortest ? std::chars_format::fixed : std::chars_format::scientific);
-  const ZanStringBase text = ZanStringBase::fromUtf8(
-      std::string_view(units, static_cast<std::size_t>(written.ptr - units)));
+  // ASCII: each character is its UTF-16 unit.
+  char16_t wide[kDoubleTextCapacity];
+  const auto length = static_cast<std::int32_t>(std::copy(units, written.ptr, wide) - wide);
+  const ZanStringBase text(wide, length);
   out = exponential || positionalIsShortest
             ? text
             : decimalFromNumber(kFunction, "double", scanNumber(text, NumberGrammar{}), 0, text);
