@@ -5,7 +5,6 @@
 // exceptions name them all by the one module.
 
 #include <bsutils/dataconv.h>
-#include <zan/zanlog.h>
 
 #include <cstdint>
 
@@ -15,11 +14,6 @@ inline constexpr const char* kDataCnvModule = "datacnv";
 
 // Room for the bytes of any one character in any code page, shift bytes included.
 inline constexpr std::int32_t kCharBytesCapacity = 32;
-
-// The fast paths of the conversions step aside while debug trace is on: the general path then
-// writes every record it always wrote, and a test holds the two paths to the same answers by
-// turning it on.
-inline bool fastPathsOpen() { return !ZanLog::isDebugTraceActive(); }
 
 // The decimal results of binary fields are built on the stack for scales up to this; larger ones,
 // which are rare, go through the general text path.

@@ -4,8 +4,14 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <iterator>
+#include <map>
+#include <mutex>
 #include <new>
+#include <numeric>
+#include <optional>
+#include <string>
 
 #include "core/cpdebugtrace.h"
 #include "core/cpraise.h"
@@ -45,6 +51,66 @@ void requireCount(std::int32_t characters, const char* function) {
   }
 }
 
+using ByteUnits = std::array<char16_t, 256>;
+
+// The unit of each byte value when every byte of the code page is one UTF-16 unit whatever comes
+// before or after it, and only the byte 0 is the unit 0; nothing for any other code page. The
+// probe is a converter of its own, since the reader's may be borrowed and in the middle of a
+// conversion. It stops on a byte that has no mapping instead of substituting, and it does not
+// flush, so that a byte that could begin a longer sequence is held back and yields no unit.
+std::optional<ByteUnits> probeByteUnits(const char* name) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<UConverter, void (*)(UConverter*)> probe(ucnv_open(name, &status),
+                                                                 ucnv_close);
+  ucnv_setToUCallBack(probe.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+  ByteUnits units{};
+  for (std::size_t byte = 0; byte < units.size(); ++byte) {
+    const char source = static_cast<char>(byte);
+    const char* in = &source;
+    char16_t produced[2];
+    char16_t* out = produced;
+    ucnv_toUnicode(probe.get(), &out, std::end(produced), &in, in + 1, nullptr, false, &status);
+    if (U_FAILURE(status) || out != produced + 1) return std::nullopt;
+    units[byte] = produced[0];
+  }
+  if (std::count(units.begin(), units.end(), u'\0') != 1 || units[0] != u'\0') return std::nullopt;
+  return units;
+}
+
+// The byte units of the converter's code page, probed once a process for each converter name; null
+// for a code page without them. Only the single-byte converter types are probed: the others may
+// keep a state between bytes. Without memory for the probe, the reader converts as it does for any
+// other code page.
+const ByteUnits* byteUnitsOf(CPUnicodeConverter& converter) {
+  const UConverterType type = converter.getType();
+  if (type != UCNV_SBCS && type != UCNV_LATIN_1) return nullptr;
+  UErrorCode status = U_ZERO_ERROR;
+  const char* const name = converter.getName(status);
+  if (U_FAILURE(status)) return nullptr;
+  static std::mutex mutex;
+  static std::map<std::string, std::optional<ByteUnits>, std::less<>> probed;
+  const std::lock_guard lock(mutex);
+  try {
+    auto entry = probed.find(name);
+    if (entry == probed.end()) entry = probed.emplace(name, probeByteUnits(name)).first;
+    return entry->second ? &*entry->second : nullptr;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+// The byte units to read with in place of the converter: such a code page leaves no state in the
+// converter between bytes, so a read without it changes nothing that a later conversion sees.
+const ByteUnits* unitsInUse(const ByteUnits* units) { return fastPathsOpen() ? units : nullptr; }
+
+// The units of `count` bytes of a code page that has byte units.
+void unitsOfBytes(const ByteUnits& units, const char* bytes, std::int32_t count, char16_t* target) {
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes);
+  // Unrolled: the loop is short and the lookups are independent of each other.
+#pragma GCC unroll 8
+  for (std::int32_t i = 0; i < count; ++i) target[i] = units[in[i]];
+}
+
 std::shared_ptr<CPUnicodeConverter> openConverter(std::int32_t codepage, EEndian endian) {
   // The converter's own failures (an unknown code page) pass through untouched.
   try {
@@ -71,6 +137,7 @@ TextBufferReader::TextBufferReader(const BitstreamBuffer* buffer, std::int32_t c
                                           std::shared_ptr<CPUnicodeConverter>(), converter)
                                     : openConverter(codepage_, endian_);
   maxBytesPerChar_ = converter_->getMaxBytesPerChar();
+  byteUnits_ = byteUnitsOf(*converter_);
 }
 
 TextBufferReader::~TextBufferReader() = default;
@@ -262,6 +329,15 @@ TextBufferReader::Converted TextBufferReader::convert(char16_t* target, const ch
 TextBufferReader::Converted TextBufferReader::convertFrom(std::int32_t position, char16_t* target,
                                                           const char16_t* targetLimit,
                                                           std::int32_t* offsets) const {
+  if (const ByteUnits* units = unitsInUse(byteUnits_)) {
+    // The units and the status the converter would give, byte for byte.
+    const ByteRun bytes = bytesFrom(position);
+    const auto available = static_cast<std::int32_t>(bytes.end - bytes.begin);
+    const auto count = std::min(available, static_cast<std::int32_t>(targetLimit - target));
+    unitsOfBytes(*units, bytes.begin, count, target);
+    if (offsets != nullptr) std::iota(offsets, offsets + count, 0);
+    return {count, count, count < available ? U_BUFFER_OVERFLOW_ERROR : U_ZERO_ERROR};
+  }
   // State that a conversion left where it stopped belongs to the bytes there, not to these.
   if (stoppedAt_ != kConverterClean && stoppedAt_ != position) resetConverter();
   const ByteRun bytes = bytesFrom(position);
@@ -349,6 +425,24 @@ void TextBufferReader::terminatedString(PWFData& result, std::int32_t position, 
   const ByteRun bytes = bytesFrom(position);
   const std::int32_t limit = position + static_cast<std::int32_t>(bytes.end - bytes.begin);
   ZanStringBase text;
+  if (const ByteUnits* units = unitsInUse(byteUnits_)) {
+    // Only the byte 0 is the unit 0, so the string is the units of the bytes before the first 0
+    // byte, which a search of the bytes finds without converting any. Without one, the steps below
+    // convert to the end and fail as they always have.
+    const char* const terminator = std::char_traits<char>::find(
+        bytes.begin, static_cast<std::size_t>(bytes.end - bytes.begin), '\0');
+    if (terminator != nullptr) {
+      const auto length = static_cast<std::int32_t>(terminator - bytes.begin);
+      // Straight into the string's storage; storage that cannot be had fails as appending does.
+      char16_t* const target = text.unicodeString().getBuffer(length);
+      if (target == nullptr) throw std::bad_alloc();
+      unitsOfBytes(*units, bytes.begin, length, target);
+      text.unicodeString().releaseBuffer(length);
+      if (advance) currentOffset_ = position + length + 1;
+      result = PWFData(text);
+      return;
+    }
+  }
   char16_t chunk[kChunkUnits];
   std::int32_t offsets[kChunkUnits];  // of each unit, from the first byte of its step
   std::int32_t stepStart = position;

@@ -188,6 +188,9 @@ class BSUTILS_EXPORT TextBufferReader {
   std::shared_ptr<CPUnicodeConverter> converter_;
   std::int32_t currentOffset_ = 0;
   std::int32_t maxBytesPerChar_ = 0;
+  // For a code page in which every byte is one UTF-16 unit whatever surrounds it, and only the byte
+  // 0 is the unit 0: the unit of each byte value, shared by all its readers. Null for the others.
+  const std::array<char16_t, 256>* byteUnits_ = nullptr;
   std::array<CachedCharacter, kCachedCharacters> cache_{};
   // Where the last conversion from the buffer stopped with state left in the converter, or
   // kConverterClean. Not part of the reader's value: const operations convert too.

@@ -6,6 +6,7 @@
 #include <zan/zanexception.h>
 
 #include <functional>
+#include <limits>
 #include <numeric>
 #include <string>
 #include <tuple>
@@ -200,6 +201,40 @@ TEST(TextBufferReader, NullTerminatedSearchStraddlesItsConversionSteps) {
     TextBufferReader reader(&text.buffer, 1208, LittleEndian);
     const std::u16string first(static_cast<std::size_t>(length), u'a');
     expectReads(reader, -1, {{first + u"\U0001F600", length + 5}, {u"\U0001F600b", length + 11}});
+  }
+}
+
+TEST(TextBufferReader, CutsNullTerminatedEbcdicStrings) {
+  // "AB", "" and "Hi", each ended by the byte 0, then "C" with no terminator, in EBCDIC 37.
+  Text text(std::string("\xC1\xC2\0\0\xC8\x89\0\xC3", 8));
+  TextBufferReader reader(&text.buffer, 37, BigEndian);
+  expectReads(reader, -1, {{u"AB", 3}, {u"", 4}, {u"Hi", 7}});
+  PWFData value;
+  expectFailure<ZanConversionException>([&] { reader.getStringSection(value, -1, true); },
+                                        "CP_TXTBUF_NULL_TERMINATOR_NOT_FOUND", 0xC0001580,
+                                        "CPI Text Buffer Null Terminator Not Found", "textbffr",
+                                        "TextBufferReader::getStringSection", {});
+  EXPECT_EQ(reader.getCurrentOffset(), 7);
+  expectReads(reader, 1, {{u"C", 8}});
+  expectFailure<ZanConversionException>([&] { reader.getStringSection(value, -1, true); },
+                                        "CP_TXTBUF_INPUT_DATA_TOO_SHORT", 0xC000157F,
+                                        "CPI Text Buffer Input Data Too Short", "textbffr",
+                                        "TextBufferReader::getStringSection", {">= 1"});
+  EXPECT_TRUE(value.isNothing());  // assigned only by a read that succeeds
+}
+
+TEST(TextBufferReader, ACountTooLargeToHoldIsAnAllocationFailure) {
+  // EBCDIC 37, whose bytes are one unit each, and UTF-8 alike: the count is judged before a byte.
+  Text text("\xC1\xC2");
+  for (const std::int32_t ccsid : {37, 1208}) {
+    SCOPED_TRACE(ccsid);
+    TextBufferReader reader(&text.buffer, ccsid, BigEndian);
+    PWFData value;
+    expectFailure<ZanFatalException>(
+        [&] { reader.getStringSection(value, std::numeric_limits<std::int32_t>::max(), true); },
+        "CP_MEMORY_ALLOC_FAILURE", 0xC0000806, "malloc returned NULL", "textbffr",
+        "TextBufferReader::getStringSection", {});
+    EXPECT_EQ(reader.getCurrentOffset(), 0);
   }
 }
 
