@@ -350,7 +350,9 @@ const char16_t* PWFData::getStringValue(std::int32_t& length) const {
   CpDebugTrace trace("PWFData::getStringValue");
   requireType(eString, "PWFData::getStringValue", "Logical type not equal to string");
   length = text_.length();
-  return trace.result(text_.data());
+  // The units are not NUL-terminated: the exit record shows them as the text they are.
+  trace.result(text_);
+  return text_.data();
 }
 
 const char16_t* PWFData::getStringValue() const {
@@ -434,7 +436,8 @@ PWFDateTime PWFData::getDateTimeValue() const {
 const char16_t* PWFData::getDecimalValue() const {
   CpDebugTrace trace("PWFData::getDecimalValue");
   requireType(eDecimal, "PWFData::getDecimalValue", "Logical type not equal to decimal");
-  return trace.result(text_.data());
+  trace.result(text_);
+  return text_.data();
 }
 
 ZanStringBase PWFData::getDecimalText() const {

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -192,6 +193,21 @@ TEST(PWFData, OperationsTraceEntryAndExitAtDebugLevel) {
     const ZanLog::Record& record = sink.records()[i];
     EXPECT_EQ(std::tie(record.kind, record.function, record.inserts), expected[i]);
   }
+}
+
+TEST(PWFData, TextGettersTraceTheirUnitsAsText) {
+  // Three units of six: the storage holds no NUL after them, so the exit records must not look
+  // for one.
+  const PWFData string(u"abcdef", 3);
+  const PWFData decimal(u"-1.50", eDecimal);
+  CapturingSink sink(4);
+  std::int32_t length = 0;
+  EXPECT_EQ(std::u16string_view(string.getStringValue(length), 3), u"abc");
+  EXPECT_EQ(std::u16string_view(decimal.getDecimalValue(), 5), u"-1.50");
+  const auto exits = sink.ofKind(ZanLog::Kind::debugExit);
+  ASSERT_EQ(exits.size(), 2u);
+  EXPECT_EQ(exits[0].inserts, Strings{"abc"});
+  EXPECT_EQ(exits[1].inserts, Strings{"-1.50"});
 }
 
 TEST(PWFData, Int32ReadOfAWideValueOutOfRangeOverflows) {

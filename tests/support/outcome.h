@@ -14,6 +14,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/capturing_sink.h"
+
 // What a call gave: its value as text, or its failure as the caller sees it.
 struct Outcome {
   bool failed = false;
@@ -55,23 +57,10 @@ Outcome outcomeOf(const Call& call) {
   return outcome;
 }
 
-// Debug trace on, its records dropped: while one lives, the conversions take their general path.
-class GeneralPathOnly {
+// Debug trace on, its records kept aside: while one lives, the conversions take their general path.
+class GeneralPathOnly : public CapturingSink {
  public:
-  GeneralPathOnly() : filter_(ZanLog::iEffectiveLogFilter.load()) {
-    sink_ = ZanLog::setSink([](const ZanLog::Record&) {});
-    ZanLog::iEffectiveLogFilter = ZanLog::kDebugLevel;
-  }
-  ~GeneralPathOnly() {
-    ZanLog::iEffectiveLogFilter = filter_;
-    ZanLog::setSink(sink_);
-  }
-  GeneralPathOnly(const GeneralPathOnly&) = delete;
-  GeneralPathOnly& operator=(const GeneralPathOnly&) = delete;
-
- private:
-  int filter_;
-  ZanLog::Sink sink_;
+  GeneralPathOnly() : CapturingSink(ZanLog::kDebugLevel) {}
 };
 
 #endif  // BSUTILS_TESTS_OUTCOME_H
