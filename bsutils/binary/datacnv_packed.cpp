@@ -1,6 +1,7 @@
 // Packed decimal: two digits a byte and a sign nibble last, read into decimal text and written from
-// it, with the integer and double forms going through that text; and the TLOG packed forms, digit
-// strings without a fixed sign position and packed hexadecimal characters.
+// it, with the integer and double forms going through that text; valid fields of usual size are
+// read straight from their bytes, and integers packed straight from their value. And the TLOG
+// packed forms, digit strings without a fixed sign position and packed hexadecimal characters.
 
 #include <bsutils/cpalloc.h>
 #include <bsutils/cputils.h>
