@@ -282,15 +282,13 @@ void DataCnv::packDecimalText(const char* function, const ZanStringBase& decimal
   for (; k < size; ++k) byteAt(k) = 0;
 }
 
-bool DataCnv::packInteger(std::int64_t value, unsigned char* output, std::int32_t size,
-                          EEndian endian, std::int32_t scale, ESign sign) {
+bool DataCnv::packMagnitude(std::uint64_t magnitude, bool negative, unsigned char* output,
+                            std::int32_t size, EEndian endian, std::int32_t scale, ESign sign) {
   constexpr std::int32_t kLongestScale = 18;
   if (output == nullptr || size < 1 || scale < -kLongestScale || scale > kLongestScale ||
       !fastPathsOpen()) {
     return false;
   }
-  const bool negative = value < 0;
-  std::uint64_t magnitude = magnitudeOf(value);
   // The digits times ten to the scale, the fraction truncated; beyond 64 bits is the general
   // path's to refuse.
   for (std::int32_t s = 0; s < -scale; ++s) magnitude /= 10;
@@ -403,6 +401,29 @@ void DataCnv::PckdDecFromDbl(double value, unsigned char* output, std::int32_t& 
   constexpr const char* kFunction = "DataCnv::PckdDecFromDbl";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
   requireOutputBuffer(this, kFunction, output);
+  if (hasPositionalText(value) && fastPathsOpen()) {
+    // The double's shortest digits, as its decimal text has them, taken as a whole number and a
+    // count of fraction digits that the scale then moves.
+    char text[kPositionalDoubleCapacity];
+    const std::int32_t length = positionalDoubleText(value, text);
+    constexpr std::int32_t kMostDigits = 19;  // below 10 to the 19, within 64 bits
+    std::uint64_t magnitude = 0;
+    std::int32_t digits = 0;
+    std::int32_t integerDigits = -1;  // until the point
+    for (std::int32_t i = text[0] == '-' ? 1 : 0; i < length && digits <= kMostDigits; ++i) {
+      if (text[i] == '.') {
+        integerDigits = digits;
+      } else {
+        magnitude = magnitude * 10 + static_cast<unsigned>(text[i] - '0');
+        ++digits;
+      }
+    }
+    const std::int32_t fractionDigits = integerDigits < 0 ? 0 : digits - integerDigits;
+    if (digits <= kMostDigits && packMagnitude(magnitude, text[0] == '-', output, size, endian,
+                                               scale - fractionDigits, sign)) {
+      return;
+    }
+  }
   ZanStringBase text;
   doubleToUString(value, text, false);
   packDecimalText(kFunction, text, output, size, endian, scale, sign);
@@ -414,7 +435,7 @@ void DataCnv::PckdDecFromInt32(std::int32_t value, unsigned char* output, std::i
                                EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromInt32";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
-  if (packInteger(value, output, size, endian, scale, sign)) return;
+  if (packMagnitude(magnitudeOf(value), value < 0, output, size, endian, scale, sign)) return;
   requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   Int64ToUString(value, text);
@@ -425,7 +446,7 @@ void DataCnv::PckdDecFromPWFInt64(std::int64_t value, unsigned char* output, std
                                   EEndian endian, std::int32_t scale, ESign sign) {
   constexpr const char* kFunction = "DataCnv::PckdDecFromPWFInt64";
   CpDebugTrace trace(kFunction, value, size, endian, scale, sign);
-  if (packInteger(value, output, size, endian, scale, sign)) return;
+  if (packMagnitude(magnitudeOf(value), value < 0, output, size, endian, scale, sign)) return;
   requireOutputBuffer(this, kFunction, output);
   ZanStringBase text;
   Int64ToUString(value, text);

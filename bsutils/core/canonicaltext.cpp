@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace bsutils::internal {
 
@@ -17,6 +18,20 @@ std::int32_t decimalDigits(std::uint64_t magnitude, char16_t* digits) {
   char text[kMaxIntegerDigits];
   char* const end = std::to_chars(text, text + kMaxIntegerDigits, magnitude).ptr;
   return static_cast<std::int32_t>(std::copy(text, end, digits) - digits);
+}
+
+bool hasPositionalText(double value) {
+  constexpr double kExactIntegers = 9007199254740992.0;
+  return std::fabs(value) < kExactIntegers;  // false for NaN and the infinities
+}
+
+std::int32_t positionalDoubleText(double value, char* text) {
+  // A decimal has no negative zero.
+  if (value == 0.0) value = 0.0;
+  // Without a precision, std::to_chars writes the shortest digits that read back exactly.
+  return static_cast<std::int32_t>(
+      std::to_chars(text, text + kPositionalDoubleCapacity, value, std::chars_format::fixed).ptr -
+      text);
 }
 
 ZanStringBase integerText(std::int64_t value) {

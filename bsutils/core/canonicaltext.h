@@ -32,6 +32,19 @@ std::int32_t decimalDigits(std::uint64_t magnitude, char16_t* digits);
 std::int32_t placePoint(const char16_t* digits, std::int32_t count, std::int32_t integerDigits,
                         std::int32_t scale, bool negative, char16_t* text);
 
+// Room for the positional text of any double below 2 to the 53: a sign, "0.", the 323 zeros before
+// the only digit of the smallest subnormal, and 17 significant digits.
+inline constexpr std::int32_t kPositionalDoubleCapacity = 1 + 2 + 323 + 17;
+
+// Whether `value` is finite and below 2 to the 53 in magnitude: its integer part is then exact, and
+// the shortest digits that read back as it are best written in place.
+bool hasPositionalText(double value);
+
+// Those digits in place, as std::to_chars writes them ("-1234.5678", "0.0000001"), a zero of either
+// sign as "0", into `text` (room for kPositionalDoubleCapacity); returns the length. Only for a
+// value that hasPositionalText.
+std::int32_t positionalDoubleText(double value, char* text);
+
 // The shortest decimal text, "-" before a negative value: -42 -> "-42", INT64_MIN ->
 // "-9223372036854775808".
 ZanStringBase integerText(std::int64_t value);

@@ -20,9 +20,8 @@ using namespace bsutils::internal;
 namespace {
 
 // Room for the scientific text of any double ("-1.7976931348623157e+308") and for the positional
-// text of any below 2 to the 53: a sign, "0.", the 323 zeros before the only digit of the smallest
-// subnormal, and 17 significant digits.
-constexpr std::size_t kDoubleTextCapacity = 1 + 2 + 323 + 17;
+// text of any below 2 to the 53.
+constexpr std::int32_t kDoubleTextCapacity = kPositionalDoubleCapacity;
 
 }  // namespace
 
@@ -32,24 +31,26 @@ void DataCnv::doubleToUString(double value, ZanStringBase& out, bool exponential
   if (!std::isfinite(value)) {
     CP_RAISE(CP_CONV_INPUT_DATA_INVALID, kDataCnvModule, kFunction, this, nullptr, "double", value);
   }
-  // Both zeros are written as zero: a decimal has no negative zero.
-  if (value == 0.0) value = 0.0;
-  // Without a precision, std::to_chars writes the shortest digits that read back exactly. Below 2
-  // to the 53 every integer part is exact, so its positional form is those digits in place
-  // ("0.0000001"). Above, the positional form would write every digit of the binary value
-  // ("1.5e300" has 301 of them, mostly noise), so the point of the short scientific form ("1e-07",
-  // "1.5e+300") is moved instead.
-  constexpr double kExactIntegers = 9007199254740992.0;
-  const bool positionalIsShortest = !exponential && std::fabs(value) < kExactIntegers;
+  // Below 2 to the 53 the shortest digits are written in place. Above, the positional form would
+  // write every digit of the binary value ("1.5e300" has 301 of them, mostly noise), so the point
+  // of the short scientific form ("1e-07", "1.5e+300") is moved instead.
+  const bool positional = !exponential && hasPositionalText(value);
   char units[kDoubleTextCapacity];
-  const std::to_chars_result written = std::to_chars(
-      units, units + sizeof units, value,
-      positionalIsShortest ? std::chars_format::fixed : std::chars_format::scientific);
+  std::int32_t written = 0;
+  if (positional) {
+    written = positionalDoubleText(value, units);
+  } else {
+    const double signedUnlessZero = value == 0.0 ? 0.0 : value;  // a decimal has no negative zero
+    written = static_cast<std::int32_t>(
+        std::to_chars(units, units + sizeof units, signedUnlessZero, std::chars_format::scientific)
+            .ptr -
+        units);
+  }
   // ASCII: each character is its UTF-16 unit.
   char16_t wide[kDoubleTextCapacity];
-  const auto length = static_cast<std::int32_t>(std::copy(units, written.ptr, wide) - wide);
-  const ZanStringBase text(wide, length);
-  out = exponential || positionalIsShortest
+  std::copy(units, units + written, wide);
+  const ZanStringBase text(wide, written);
+  out = exponential || positional
             ? text
             : decimalFromNumber(kFunction, "double", scanNumber(text, NumberGrammar{}), 0, text);
   trace.result(out);

@@ -949,10 +949,11 @@ class BSUTILS_EXPORT DataCnv : public ZanOwnedLogSource {
   std::optional<ZanStringBase> scaledFieldDigits(const char* function, const ZanStringBase& text,
                                                  std::int32_t scale, std::int64_t reach,
                                                  bool& negative);
-  // The integer writers' fast path: packs `value` straight from its digits when it fits, and
-  // returns false, writing nothing, for anything packDecimalText must judge or trace.
-  bool packInteger(std::int64_t value, unsigned char* output, std::int32_t size, EEndian endian,
-                   std::int32_t scale, ESign sign);
+  // The number writers' fast path: packs `magnitude` times ten to `scale`, truncated, with the sign
+  // that `negative` gives (a zero keeps it, as a written "-0" does) straight from its digits when
+  // it fits, and returns false, writing nothing, for anything packDecimalText must judge or trace.
+  bool packMagnitude(std::uint64_t magnitude, bool negative, unsigned char* output,
+                     std::int32_t size, EEndian endian, std::int32_t scale, ESign sign);
   // The TLOG writers' checks of the size and the value, and the text of a string, decimal or
   // integer value; `kind` and `valueKind` are the inserts of the too-long failure.
   ZanStringBase tlogFieldText(const char* function, const char* kind, const char* valueKind,

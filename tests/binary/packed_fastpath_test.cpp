@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -165,6 +167,49 @@ TEST(PackedFastPath, IntegersPackAsTheGeneralPathPacksThem) {
                           random() % 3 ? DataCnv::eLeadingEmbeddedSign : DataCnv::eNoSign};
     SCOPED_TRACE(testing::Message() << "n " << n << ", value " << value);
     expectSameBytes(value, writing);
+  }
+}
+
+TEST(PackedFastPath, DoublesPackAsTheGeneralPathPacksThem) {
+  // Values of every magnitude from far below a cent to beyond 2 to the 53, with few and many
+  // digits, both zeros, ties of truncation and the non-finite values; scales either way.
+  std::mt19937_64 random(20261127);
+  std::vector<double> values = {0.0,
+                                -0.0,
+                                0.29,
+                                -0.001,
+                                1e-7,
+                                123.456,
+                                9007199254740991.0,
+                                9007199254740992.0,
+                                1e300,
+                                -5e-324,
+                                std::numeric_limits<double>::infinity(),
+                                std::numeric_limits<double>::quiet_NaN()};
+  for (int n = 0; n < 4000; ++n) {
+    const double digits = static_cast<double>(random() % 100000000);
+    const double value = std::ldexp(digits, static_cast<int>(random() % 80) - 60) *
+                         (random() % 2 ? 1 : -1) / (random() % 2 ? 1.0 : 100.0);
+    values.push_back(value);
+  }
+  const std::int32_t scales[] = {0, 2, 5, -2, 18, -19};
+  for (std::size_t n = 0; n < values.size(); ++n) {
+    const Writing writing{static_cast<std::int32_t>(1 + random() % 11),
+                          random() % 2 ? BigEndian : LittleEndian,
+                          scales[random() % std::size(scales)],
+                          random() % 3 ? DataCnv::eLeadingEmbeddedSign : DataCnv::eNoSign};
+    DataCnv cnv;
+    const auto write = [&] {
+      std::vector<unsigned char> field(static_cast<std::size_t>(writing.size), 0xEE);
+      std::int32_t size = writing.size;
+      cnv.PckdDecFromDbl(values[n], field.data(), size, writing.endian, writing.scale,
+                         writing.sign);
+      return field;
+    };
+    SCOPED_TRACE(testing::Message() << "value " << values[n] << ", scale " << writing.scale);
+    const Outcome fast = outcomeOf(write);
+    GeneralPathOnly general;
+    ASSERT_EQ(fast, outcomeOf(write));
   }
 }
 
