@@ -475,8 +475,7 @@ std::int64_t DataCnv::ExtDecToInt64(const unsigned char* source, std::int32_t si
       source, size, sign, justification, padCharacter, padIsUnicode, customSignEBCDIC,
       positiveSigns, negativeSigns,
       [this](const char16_t* digits, std::int32_t count, bool negative) {
-        const auto isDigit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
-        if (count > kSafeDigits || !std::all_of(digits, digits + count, isDigit)) {
+        if (count > kSafeDigits) {
           return UStringToInt64(signedIntegerText(digits, count, negative));
         }
         std::int64_t magnitude = 0;
